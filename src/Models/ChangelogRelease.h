@@ -1,0 +1,17 @@
+#pragma once
+
+#include <optional>
+
+#include <QString>
+#include <QStringList>
+
+/// The notes of one release, as the release-notes endpoint writes them.
+struct ChangelogRelease {
+    QString version;
+    QString date;
+    QString dateLabel;
+    std::optional<QString> tag;
+    QStringList changes;
+
+    bool operator==(const ChangelogRelease&) const = default;
+};

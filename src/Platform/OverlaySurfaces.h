@@ -1,0 +1,117 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include <QString>
+#include <QUuid>
+
+#include "Models/Geometry.h"
+
+class QPainter;
+
+enum class CursorShape { arrow, openHand, resizeUpDown, resizeLeftRight, crosshair };
+
+/// What a surface shows. A value that never changes: to show something else, give the surface
+/// another one.
+class SurfaceContent {
+public:
+    virtual ~SurfaceContent() = default;
+
+    /// Paints onto a transparent ground of `size` points. The painter's origin is the top-left
+    /// corner, y downward, one unit a point; the device pixels behind it depend on the screen.
+    virtual void paint(QPainter& painter, Size size) const = 0;
+};
+
+/// What assistive technology is told of a surface.
+struct AccessibleDescription {
+    QString label;
+    QString identifier;
+    bool isSelected = false;
+
+    bool operator==(const AccessibleDescription&) const = default;
+};
+
+/// Receives what happens to a surface. Positions in the surface count in points from its
+/// bottom-left corner, y upward; global positions are in the global desktop space.
+class SurfaceDelegate {
+public:
+    virtual ~SurfaceDelegate() = default;
+
+    /// The frame changed, by `setFrame` or from outside; called inside `setFrame`.
+    virtual void surfaceDidMove() = 0;
+    virtual void surfaceDidResize() = 0;
+
+    /// The left button went down in the surface. `mouseDragged` and one `mouseUp` follow; nothing
+    /// else is delivered until then.
+    virtual void mouseDown(Point inSurface, Point global) = 0;
+    /// The pointer moved with the left button down. Movements that came in one burst are told as
+    /// the last of them.
+    virtual void mouseDragged(Point global) = 0;
+    /// The left button came up, or no further event can be had: the surface was hidden, or the
+    /// server took the pointer away.
+    virtual void mouseUp() = 0;
+    /// The pointer moved over the surface with no button down.
+    virtual void mouseMoved(Point inSurface) = 0;
+    virtual void mouseExited() = 0;
+};
+
+/// A borderless, transparent window above all others, on every workspace. It never activates and
+/// never takes the keyboard. Destroying it takes it off the screen.
+class OverlaySurface {
+public:
+    virtual ~OverlaySurface() = default;
+
+    /// The frame as last set. When screens change, the surface stays on its screen, and the frame
+    /// is where that is in the new global space.
+    virtual Rect frame() const = 0;
+    /// Moves and resizes the surface and tells the delegate what changed, before it returns.
+    virtual void setFrame(const Rect& frame) = 0;
+    /// Shows `content` from now on.
+    virtual void setContent(std::shared_ptr<const SurfaceContent> content) = 0;
+    virtual void setAccessibleDescription(const AccessibleDescription& description) = 0;
+    /// When true, the mouse reaches what lies below. A gesture that is running goes on.
+    virtual void setIgnoresMouseEvents(bool ignores) = 0;
+    virtual void setCursor(CursorShape shape) = 0;
+    /// Shows the surface above all other surfaces, without activating the application.
+    virtual void orderFront() = 0;
+    /// Hides the surface and keeps it.
+    virtual void orderOut() = 0;
+};
+
+struct SurfaceDescription {
+    /// The title that desktop tools show for the window.
+    QString title;
+    /// The mask that the surface shows, absent for a guide surface.
+    std::optional<QUuid> maskID;
+    Rect frame;
+};
+
+/// Makes overlay surfaces. Must outlive them.
+class OverlaySurfaces {
+public:
+    virtual ~OverlaySurfaces() = default;
+
+    /// Makes a hidden surface. `delegate` may be null and must outlive the surface.
+    virtual std::unique_ptr<OverlaySurface> createSurface(const SurfaceDescription& description,
+                                                          SurfaceDelegate* delegate) = 0;
+
+    /// Between these two calls, which may nest, what is asked of surfaces is collected; the end of
+    /// the outermost pair carries out what really changes, at once. Use SurfaceBatch.
+    virtual void beginBatch() = 0;
+    virtual void endBatch() = 0;
+};
+
+/// Collects the changes made during its life into one visible step.
+class [[nodiscard]] SurfaceBatch {
+public:
+    explicit SurfaceBatch(OverlaySurfaces& surfaces) : m_surfaces(surfaces) {
+        m_surfaces.beginBatch();
+    }
+    SurfaceBatch(const SurfaceBatch&) = delete;
+    SurfaceBatch& operator=(const SurfaceBatch&) = delete;
+    ~SurfaceBatch() { m_surfaces.endBatch(); }
+
+private:
+    OverlaySurfaces& m_surfaces;
+};

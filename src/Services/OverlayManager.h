@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <unordered_map>
+
+#include <QList>
+#include <QUuid>
+
+#include "Models/ScreenMask.h"
+#include "Platform/MainLoop.h"
+#include "Platform/OverlaySurfaces.h"
+#include "Platform/Screens.h"
+#include "Reactive/Lifetime.h"
+#include "Reactive/Published.h"
+#include "Services/OverlayWindow.h"
+
+/// Keeps exactly one overlay window for every mask of the model and keeps its frame, visibility,
+/// click-through state and look in step. Reports moved frames and clicks back, and repairs the
+/// windows when the screens change.
+class OverlayManager final : private OverlayWindowDelegate {
+public:
+    using FrameChanged = std::function<void(const QUuid& maskID, const MaskFrame& frame)>;
+    using MaskSelected = std::function<void(const QUuid& maskID)>;
+
+    /// All references must outlive the manager.
+    OverlayManager(MainLoop& mainLoop, Screens& screens, OverlaySurfaces& surfaces);
+    ~OverlayManager() override;
+    OverlayManager(const OverlayManager&) = delete;
+    OverlayManager& operator=(const OverlayManager&) = delete;
+
+    /// The number of masks that are on screen.
+    Published<int> activeOverlayCount{0};
+
+    /// Brings the windows in step with the model. Windows of shown masks end up in list order,
+    /// the last on top. A call during a running sync is dropped without effect.
+    void sync(const QList<ScreenMask>& masks, bool areMasksVisible, bool isEditingEnabled,
+              const std::optional<QUuid>& selectedMaskID, FrameChanged onMaskFrameChanged,
+              MaskSelected onMaskSelected);
+
+    /// Shows the mask, if any, as the only selected one; changes nothing else.
+    void setSelectedMask(const std::optional<QUuid>& maskID);
+
+    /// Brings the mask's window to the front; does nothing for an unknown mask.
+    void focusMask(const QUuid& maskID);
+
+    /// The window of a mask, null when it has none. For inspection.
+    const OverlayWindow* windowFor(const QUuid& maskID) const;
+
+private:
+    struct UuidHash {
+        std::size_t operator()(const QUuid& id) const noexcept { return qHash(id); }
+    };
+
+    void windowDidMove(OverlayWindow& window) override;
+    void windowDidResize(OverlayWindow& window) override;
+
+    OverlayWindow& findOrCreateWindow(const ScreenMask& mask);
+    void closeWindowsExcept(const QList<ScreenMask>& masks);
+    void syncWindow(const ScreenMask& mask, bool isShown, bool isEditingEnabled, bool isSelected,
+                    const QList<Rect>& frames);
+    void recoverWindowsForCurrentScreens();
+    void reportFrame(const OverlayWindow& window);
+
+    Screens& m_screens;
+    OverlaySurfaces& m_surfaces;
+    FrameChanged m_onMaskFrameChanged;
+    MaskSelected m_onMaskSelected;
+    bool m_isSyncing = false;
+    std::unordered_map<QUuid, std::unique_ptr<OverlayWindow>, UuidHash> m_windows;
+    Lifetime m_lifetime;
+    Subscription m_screenObserver;
+};
