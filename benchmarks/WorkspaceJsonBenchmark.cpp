@@ -38,6 +38,7 @@ WorkspaceSnapshot largeWorkspace() {
         MaskPreset preset{.id = QUuid::createUuid(),
                           .name = QStringLiteral("Preset %1").arg(number),
                           .trigger = QStringLiteral("Manual"),
+                          .masks = {},
                           .targetAppName = QStringLiteral("Präsentation"),
                           .targetBundleIdentifier = QStringLiteral("org.example.App"),
                           .priority = number};

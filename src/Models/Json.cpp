@@ -184,6 +184,13 @@ void JsonObjectReader::throwUnknown(QLatin1StringView key, QLatin1StringView nou
     throw JsonError(JsonPath(m_path, key), u"unknown %1 "_s.arg(noun) + quotedForMessage(text));
 }
 
+QJsonObject jsonObjectWithMembers(std::initializer_list<QLatin1StringView> keys) {
+    QJsonObject object;
+    for (const QLatin1StringView key : keys)
+        object.insert(key, QJsonValue::Null);
+    return object;
+}
+
 QJsonValue finiteJsonNumber(double number, const JsonPath& path, QLatin1StringView key) {
     if (!std::isfinite(number)) {
         throw JsonError(JsonPath(path, key), u"%1 is not a finite number"_s.arg(number));

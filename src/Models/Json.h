@@ -10,6 +10,7 @@
 #include <QString>
 #include <QUuid>
 #include <cstddef>
+#include <initializer_list>
 #include <optional>
 #include <stdexcept>
 
@@ -145,6 +146,10 @@ private:
     QJsonObject m_object;
     const JsonPath& m_path;
 };
+
+/// An object with these members, all null, to be copied and filled in where thousands of one kind
+/// are written: that takes a third of the time of adding the members to each.
+QJsonObject jsonObjectWithMembers(std::initializer_list<QLatin1StringView> keys);
 
 /// The number as a JSON value. Throws JsonError, naming the member `key` below `path`, for an
 /// infinity or not-a-number, which JSON cannot hold.

@@ -12,7 +12,9 @@ MaskFrame maskFrameFromJson(const JsonObjectReader& reader) {
 }
 
 QJsonObject maskFrameToJson(const MaskFrame& frame, const JsonPath& path) {
-    QJsonObject object;
+    static const QJsonObject members =
+        jsonObjectWithMembers({"height"_L1, "width"_L1, "x"_L1, "y"_L1});
+    QJsonObject object = members;
     object.insert("height"_L1, finiteJsonNumber(frame.height, path, "height"_L1));
     object.insert("width"_L1, finiteJsonNumber(frame.width, path, "width"_L1));
     object.insert("x"_L1, finiteJsonNumber(frame.x, path, "x"_L1));

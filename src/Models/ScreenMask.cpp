@@ -50,8 +50,10 @@ ScreenMask ScreenMask::fromJson(const JsonObjectReader& reader) {
 }
 
 QJsonObject ScreenMask::toJson(const JsonPath& path) const {
-    // Inserted in the order of the keys, so that no insertion moves an earlier member.
-    QJsonObject object;
+    static const QJsonObject members =
+        jsonObjectWithMembers({"colorHex"_L1, "frame"_L1, "id"_L1, "isClickThrough"_L1,
+                               "isVisible"_L1, "name"_L1, "opacity"_L1, "style"_L1});
+    QJsonObject object = members;
     object.insert("colorHex"_L1, colorHex);
     object.insert("frame"_L1, maskFrameToJson(frame, JsonPath(path, "frame"_L1)));
     if (groupID) object.insert("groupID"_L1, uuidText(*groupID));
@@ -71,5 +73,17 @@ std::size_t qHash(const ScreenMask& mask, std::size_t seed) noexcept {
 }
 
 QString uuidText(const QUuid& id) {
-    return id.toString(QUuid::WithoutBraces).toUpper();
+    // By hand, because QUuid's own text is lower-case and in braces, and saving a large workspace
+    // writes thousands of these.
+    constexpr QLatin1StringView hexDigits = "0123456789ABCDEF"_L1;
+    constexpr QLatin1StringView shape = "00000000-0000-0000-0000-000000000000"_L1;
+    QString text(shape);
+    QChar* place = text.data();
+    for (const char byte : id.toRfc4122()) {
+        if (*place == u'-') ++place;
+        const auto value = static_cast<unsigned char>(byte);
+        *place++ = hexDigits[value >> 4U];
+        *place++ = hexDigits[value & 0xFU];
+    }
+    return text;
 }
