@@ -18,12 +18,12 @@ CommandResult doneWith(const QString& output) {
     return {ExitStatus::done, output, QString()};
 }
 
-CommandResult alreadyRunning() {
-    return doneWith(QStringLiteral("Veyla is already running (pid %1).")
-                        .arg(QCoreApplication::applicationPid()));
-}
-
 }  // namespace
+
+CommandResult alreadyRunning(std::optional<qint64> pid) {
+    const QString suffix = pid ? QStringLiteral(" (pid %1)").arg(*pid) : QString();
+    return doneWith(QStringLiteral("Veyla is already running%1.").arg(suffix));
+}
 
 RemoteCommands::RemoteCommands(AppState& state, DashboardWindow& dashboard,
                                std::function<void()> quit)
@@ -41,7 +41,7 @@ CommandResult RemoteCommands::perform(const CommandLine& commandLine) {
         case Command::start:
             return showDashboard();
         case Command::startInBackground:
-            return alreadyRunning();
+            return alreadyRunning(QCoreApplication::applicationPid());
         case Command::createMask:
             m_state.createMask();
             return {};
@@ -74,7 +74,7 @@ CommandResult RemoteCommands::perform(const CommandLine& commandLine) {
 
 CommandResult RemoteCommands::showDashboard() {
     m_dashboard.show();
-    return alreadyRunning();
+    return alreadyRunning(QCoreApplication::applicationPid());
 }
 
 // Through the operation, so that the change is announced; not at all when nothing changes.

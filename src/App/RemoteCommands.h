@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <optional>
 
 /// What a command came to. The texts have no final line break; empty means nothing to print.
 struct CommandResult {
@@ -17,6 +18,9 @@ struct CommandResult {
 
     bool operator==(const CommandResult&) const = default;
 };
+
+/// What starting Veyla a second time comes to; `pid` is that of the running one, if known.
+CommandResult alreadyRunning(std::optional<qint64> pid);
 
 /// Performs, in the running program, the command lines of later ones.
 class RemoteCommands {
