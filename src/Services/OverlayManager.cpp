@@ -68,7 +68,8 @@ OverlayWindow& OverlayManager::findOrCreateWindow(const ScreenMask& mask) {
     entry.modelFrame = mask.frame;
     std::unique_ptr<OverlayWindow>& window = entry.window;
     if (window) return *window;
-    window = std::make_unique<OverlayWindow>(mask.id, mask.frame, m_surfaces, m_screens, *this);
+    window = std::make_unique<OverlayWindow>(mask.id, mask.frame, m_surfaces, m_screens,
+                                             static_cast<OverlayWindowDelegate&>(*this));
     window->onMaskSelected = m_lifetime.guard([this, id = mask.id] {
         if (m_onMaskSelected) m_onMaskSelected(id);
     });

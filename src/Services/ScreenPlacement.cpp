@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "Platform/Screens.h"
-
 QList<Rect> visibleFrames(const Screens& screens) {
     QList<Rect> frames;
     for (const ScreenInfo& screen : screens.screens()) frames.append(screen.visibleFrame);
@@ -32,4 +30,19 @@ Rect resolvedFrame(const Rect& rect, const QList<Rect>& frames) {
     const double height = std::min(screen->height, std::max(rect.height, minimumMaskSize.height));
     return {std::min(screen->maxX() - width, std::max(screen->minX(), rect.x)),
             std::min(screen->maxY() - height, std::max(screen->minY(), rect.y)), width, height};
+}
+
+std::optional<Rect> rectFollowingItsScreen(const Rect& rect, const QList<ScreenInfo>& oldScreens,
+                                           const QList<ScreenInfo>& newScreens) {
+    const auto old =
+        std::find_if(oldScreens.begin(), oldScreens.end(), [&](const ScreenInfo& screen) {
+            return screen.frame.contains(rect.center());
+        });
+    if (old == oldScreens.end()) return std::nullopt;
+    const auto current =
+        std::find_if(newScreens.begin(), newScreens.end(),
+                     [&](const ScreenInfo& screen) { return screen.name == old->name; });
+    if (current == newScreens.end()) return std::nullopt;
+    return Rect{rect.x + current->frame.minX() - old->frame.minX(),
+                rect.y + current->frame.maxY() - old->frame.maxY(), rect.width, rect.height};
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "Services/ScreenPlacement.h"
+
 HeadlessSurface::HeadlessSurface(HeadlessOverlaySurfaces& owner, SurfaceDescription description,
                                  SurfaceDelegate* delegate)
     : m_owner(owner), m_description(std::move(description)), m_delegate(delegate) {}
@@ -127,21 +129,9 @@ void HeadlessOverlaySurfaces::endGestureOf(const HeadlessSurface* surface) {
 
 void HeadlessOverlaySurfaces::followScreens() {
     const QList<ScreenInfo> oldScreens = std::exchange(m_knownScreens, m_screens.screens());
-    const auto named = [](const QList<ScreenInfo>& screens, const QString& name) {
-        return std::find_if(screens.begin(), screens.end(),
-                            [&](const ScreenInfo& each) { return each.name == name; });
-    };
     for (HeadlessSurface* surface : m_all) {
         Rect& frame = surface->m_description.frame;
-        const auto old = std::find_if(
-            oldScreens.begin(), oldScreens.end(),
-            [&](const ScreenInfo& each) { return each.frame.contains(frame.center()); });
-        if (old == oldScreens.end()) continue;
-        const auto current = named(m_knownScreens, old->name);
-        if (current == m_knownScreens.end()) continue;
-        // Screens keep what they show in place from their top-left corner.
-        frame.x += current->frame.minX() - old->frame.minX();
-        frame.y += current->frame.maxY() - old->frame.maxY();
+        frame = rectFollowingItsScreen(frame, oldScreens, m_knownScreens).value_or(frame);
     }
 }
 
