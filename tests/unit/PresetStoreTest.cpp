@@ -185,10 +185,14 @@ TEST_F(PresetStoreTest, ReportsNumbersThatCannotBeWrittenAndKeepsTheOldDocument)
 class OrdinaryUser {
 public:
     OrdinaryUser() {
-        if (m_isRoot) EXPECT_EQ(::seteuid(nobody), 0);
+        if (m_isRoot) {
+            EXPECT_EQ(::seteuid(nobody), 0);
+        }
     }
     ~OrdinaryUser() {
-        if (m_isRoot) EXPECT_EQ(::seteuid(0), 0);
+        if (m_isRoot) {
+            EXPECT_EQ(::seteuid(0), 0);
+        }
     }
     OrdinaryUser(const OrdinaryUser&) = delete;
     OrdinaryUser& operator=(const OrdinaryUser&) = delete;
