@@ -53,7 +53,7 @@ std::optional<CommandResult> takeWorkspace(InstanceLock& lock, Command command,
 std::optional<CommandResult> answerAtOnce(const std::variant<CommandLine, UsageError>& parsed) {
     if (const auto* const error = std::get_if<UsageError>(&parsed))
         return CommandResult{ExitStatus::wrongUsage, QString(), error->message};
-    switch (std::get<CommandLine>(parsed).command) {
+    switch (std::get_if<CommandLine>(&parsed)->command) {
         case Command::showHelp:
             return CommandResult{ExitStatus::done, commandLineHelp(), QString()};
         case Command::showVersion:
@@ -69,7 +69,7 @@ int main(int argc, char** argv) {
     const QStringList arguments = argumentsInLocale(argc, argv);
     const auto parsed = parseCommandLine(arguments);
     if (const auto answer = answerAtOnce(parsed)) return finish(*answer);
-    const Command command = std::get<CommandLine>(parsed).command;
+    const Command command = std::get_if<CommandLine>(&parsed)->command;
 
     std::optional<SilentQtMessages> silence(std::in_place);
     InstanceLock lock(InstanceLock::runtimeDirectory());

@@ -124,9 +124,10 @@ QString commandLineHelp() {
         "Without a command it starts, or shows the dashboard of the Veyla that is running.\n"
         "\n"
         "Commands for the running Veyla:\n");
-    for (const CommandRow& row : commandRows)
-        help += helpRow((text(row.name) + QLatin1Char(' ') + text(row.argument)).trimmed(),
-                        row.summary);
+    for (const CommandRow& row : commandRows) {
+        const QString label = text(row.name) + QLatin1Char(' ') + text(row.argument);
+        help += helpRow(label.trimmed(), row.summary);
+    }
     help += QStringLiteral("\nOptions:\n");
     for (const OptionRow& row : optionRows) {
         const QString shortName = text(row.shortName);

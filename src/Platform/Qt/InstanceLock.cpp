@@ -25,7 +25,7 @@ struct flock wholeFile() {
 }  // namespace
 
 QString InstanceLock::runtimeDirectory() {
-    const QString wanted = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    QString wanted = qEnvironmentVariable("XDG_RUNTIME_DIR");
     const QFileInfo info(wanted);
     if (info.isAbsolute() && info.isDir() && info.isWritable()) return wanted;
     return QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);

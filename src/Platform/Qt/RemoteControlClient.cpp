@@ -39,7 +39,7 @@ CommandResult RemoteControlClient::perform(Command command, const QStringList& a
         owner = waitForNameOwner();
     if (owner.isEmpty()) return notReached();
 
-    const CommandResult result = call(owner, arguments);
+    CommandResult result = call(owner, arguments);
     if (command != Command::quit) return result;
     const bool mayBeEnding = result.status == ExitStatus::done || nameOwner() != owner;
     if (!mayBeEnding) return result;
@@ -60,7 +60,7 @@ QString RemoteControlClient::waitForNameOwner() {
                                       QDBusServiceWatcher::WatchForRegistration);
     QObject::connect(&watcher, &QDBusServiceWatcher::serviceRegistered, &loop, &QEventLoop::quit);
     // It may have come before the watch began.
-    if (const QString owner = nameOwner(); !owner.isEmpty()) return owner;
+    if (QString owner = nameOwner(); !owner.isEmpty()) return owner;
     QTimer::singleShot(startPatience, &loop, &QEventLoop::quit);
     loop.exec();
     return nameOwner();
@@ -96,10 +96,10 @@ CommandResult RemoteControlClient::call(const QString& owner, const QStringList&
 
 CommandResult RemoteControlClient::notReached() const {
     if (!m_lock.isHeldByAnother()) return failure(QStringLiteral("Veyla is not running."));
-    if (!m_bus.isConnected())
-        return failure(runningVeyla() +
-                       QStringLiteral(" cannot be reached: there is no session bus."));
-    return failure(runningVeyla() + QStringLiteral(" is not on the session bus."));
+    const QString reason = m_bus.isConnected()
+                               ? QStringLiteral(" is not on the session bus.")
+                               : QStringLiteral(" cannot be reached: there is no session bus.");
+    return failure(runningVeyla() + reason);
 }
 
 QString RemoteControlClient::runningVeyla() const {

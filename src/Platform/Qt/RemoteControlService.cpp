@@ -24,10 +24,11 @@ void RemoteControlService::start(Perform perform) {
     const auto reply = connection.interface()->registerService(
         QString::fromLatin1(RemoteControl::serviceName), QDBusConnectionInterface::QueueService,
         QDBusConnectionInterface::DontAllowReplacement);
-    if (reply.value() != QDBusConnectionInterface::ServiceRegistered)
+    if (reply.value() != QDBusConnectionInterface::ServiceRegistered) {
         m_log.write(QStringLiteral("Another process has the bus name %1; until it lets go, Veyla "
                                    "takes no commands from other processes.")
                         .arg(QString::fromLatin1(RemoteControl::serviceName)));
+    }
 }
 
 int RemoteControlService::perform(const QStringList& arguments, QString& output, QString& error) {
