@@ -112,6 +112,10 @@ public:
     /// minimum size.
     void resizeSelectedMask(double widthDelta, double heightDelta);
 
+    /// Replaces all masks with copies of the preset's, under new identities and in no group,
+    /// selects the first and shows the masks.
+    void applyPreset(const MaskPreset& preset);
+
 private:
     void loadWorkspace();
     void bind();

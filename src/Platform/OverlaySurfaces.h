@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 
+#include <QList>
 #include <QString>
 #include <QUuid>
 
@@ -21,6 +22,10 @@ public:
     /// Paints onto a transparent ground of `size` points. The painter's origin is the top-left
     /// corner, y downward, one unit a point; the device pixels behind it depend on the screen.
     virtual void paint(QPainter& painter, Size size) const = 0;
+
+    /// The only parts that are painted, in the painter's coordinates. The surface is absent
+    /// elsewhere, even on a screen that cannot show transparency. Nothing means the whole surface.
+    virtual std::optional<QList<Rect>> paintedAreas(Size /*size*/) const { return std::nullopt; }
 };
 
 /// What assistive technology is told of a surface.

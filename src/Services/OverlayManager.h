@@ -57,6 +57,12 @@ private:
     void windowDidMove(OverlayWindow& window) override;
     void windowDidResize(OverlayWindow& window) override;
 
+    struct Entry {
+        std::unique_ptr<OverlayWindow> window;
+        /// The frame that the model holds, as far as is known here.
+        MaskFrame modelFrame;
+    };
+
     OverlayWindow& findOrCreateWindow(const ScreenMask& mask);
     void closeWindowsExcept(const QList<ScreenMask>& masks);
     void syncWindow(const ScreenMask& mask, bool isShown, bool isEditingEnabled, bool isSelected,
@@ -69,7 +75,7 @@ private:
     FrameChanged m_onMaskFrameChanged;
     MaskSelected m_onMaskSelected;
     bool m_isSyncing = false;
-    std::unordered_map<QUuid, std::unique_ptr<OverlayWindow>, UuidHash> m_windows;
+    std::unordered_map<QUuid, Entry, UuidHash> m_windows;
     Lifetime m_lifetime;
     Subscription m_screenObserver;
 };

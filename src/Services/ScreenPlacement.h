@@ -5,8 +5,7 @@
 #include <QList>
 
 #include "Models/Geometry.h"
-
-class Screens;
+#include "Platform/Screens.h"
 
 /// The smallest size of a mask on screen, in points.
 inline constexpr Size minimumMaskSize{60, 40};
@@ -21,3 +20,9 @@ std::optional<Rect> bestScreenFrame(const Rect& rect, const QList<Rect>& frames)
 /// The rectangle brought to at least the minimum size and then, whole, into the frame that it
 /// belongs to; unchanged when there are no frames.
 Rect resolvedFrame(const Rect& rect, const QList<Rect>& frames);
+
+/// Where a rectangle is after the screens changed, when it stays where it was on its screen,
+/// counted from the screen's top-left corner. Nothing when it was on no screen or its screen is
+/// gone.
+std::optional<Rect> rectFollowingItsScreen(const Rect& rect, const QList<ScreenInfo>& oldScreens,
+                                           const QList<ScreenInfo>& newScreens);

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QString>
+
+class AppState;
+class DashboardWindow;
+
+/// What the program is doing, for scripts. Members that have no value are null.
+/// Throws JsonError when a number of a mask is not finite.
+QJsonObject statusJson(const AppState& state, const DashboardWindow& dashboard);
+
+/// The same for people: lines of aligned columns, without the last line break.
+QString statusText(const AppState& state, const DashboardWindow& dashboard);

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QString>
+
+/// What the running program is called on the session bus.
+namespace RemoteControl {
+inline constexpr const char* serviceName = "app.veyla.Veyla";
+inline constexpr const char* objectPath = "/app/veyla/Veyla";
+inline constexpr const char* interfaceName = "app.veyla.Veyla";
+}  // namespace RemoteControl
+
+/// A connection of its own to the session bus that is there, closed at the end. It never starts a
+/// bus: without $DBUS_SESSION_BUS_ADDRESS it tries the user's bus in $XDG_RUNTIME_DIR only.
+class SessionBus {
+public:
+    /// `name` tells the connections of one process apart.
+    explicit SessionBus(const QString& name);
+    SessionBus(const SessionBus&) = delete;
+    SessionBus& operator=(const SessionBus&) = delete;
+    ~SessionBus();
+
+    bool isConnected() const { return m_connection.isConnected(); }
+    /// Not connected when there is no bus.
+    const QDBusConnection& connection() const { return m_connection; }
+    QDBusConnection& connection() { return m_connection; }
+
+private:
+    QDBusConnection m_connection;
+};

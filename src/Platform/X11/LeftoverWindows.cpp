@@ -1,0 +1,58 @@
+#include "Platform/X11/LeftoverWindows.h"
+
+#include <set>
+#include <vector>
+
+#include <QFile>
+#include <QSysInfo>
+
+#include "Platform/SystemLog.h"
+#include "Platform/X11/XcbConnection.h"
+
+namespace {
+
+bool isRunningVeyla(uint32_t pid) {
+    QFile name(QStringLiteral("/proc/%1/comm").arg(pid));
+    return name.open(QIODevice::ReadOnly) && name.readAll().trimmed() == "veyla";
+}
+
+// A window of somebody else's session, possibly on another host, is not ours to release.
+bool isAlive(const XcbConnection& connection, xcb_window_t window) {
+    const QByteArray host = connection.property8(window, XCB_ATOM_WM_CLIENT_MACHINE);
+    if (host != QSysInfo::machineHostName().toUtf8()) return true;
+    const auto pid = connection.property32(window, connection.atoms().netWmPid);
+    return !pid.empty() && isRunningVeyla(pid.front());
+}
+
+}  // namespace
+
+void killLeftoverWindows(XcbConnection& connection, SystemLog& log) {
+    const auto* const setup = xcb_get_setup(connection);
+    const uint32_t clientBits = ~setup->resource_id_mask;
+    const auto tree = xcbReply(xcb_query_tree_reply, connection.get(),
+                               xcb_query_tree(connection, connection.root()));
+    if (!tree) return;
+    const xcb_window_t* const children = xcb_query_tree_children(tree.get());
+    const auto count = static_cast<std::size_t>(xcb_query_tree_children_length(tree.get()));
+
+    std::vector<xcb_get_property_cookie_t> cookies;
+    for (std::size_t i = 0; i < count; ++i)
+        cookies.push_back(xcb_get_property(connection, 0, children[i],
+                                           connection.atoms().veylaMaskID,
+                                           XCB_GET_PROPERTY_TYPE_ANY, 0, 0));
+    // One window stands for everything that its connection left behind.
+    std::set<uint32_t> releasedClients;
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto property = xcbReply(xcb_get_property_reply, connection.get(), cookies[i]);
+        const bool isMask = property && property->type != XCB_NONE;
+        const uint32_t client = children[i] & clientBits;
+        if (!isMask || client == setup->resource_id_base || releasedClients.contains(client))
+            continue;
+        if (isAlive(connection, children[i])) {
+            log.write(QStringLiteral("Veyla: masks of another running Veyla are on this display"));
+            continue;
+        }
+        releasedClients.insert(client);
+        xcb_kill_client(connection, children[i]);
+    }
+}

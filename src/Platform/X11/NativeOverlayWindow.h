@@ -1,0 +1,89 @@
+#pragma once
+
+#include <optional>
+
+#include <QByteArray>
+#include <QImage>
+#include <QList>
+#include <QRect>
+#include <QString>
+#include <QUuid>
+
+#include "Platform/X11/XcbConnection.h"
+
+/// How overlay windows store their pixels: with an alpha channel where the server has it.
+class OverlayVisual {
+public:
+    explicit OverlayVisual(XcbConnection& connection);
+    ~OverlayVisual();
+    OverlayVisual(const OverlayVisual&) = delete;
+    OverlayVisual& operator=(const OverlayVisual&) = delete;
+
+    uint8_t depth() const { return m_depth; }
+    xcb_visualid_t visual() const { return m_visual; }
+    xcb_colormap_t colormap() const { return m_colormap; }
+    /// A graphics context for pixmaps of this depth.
+    xcb_gcontext_t graphicsContext() const { return m_graphicsContext; }
+    bool hasAlpha() const { return m_depth == 32; }
+
+private:
+    XcbConnection& m_connection;
+    uint8_t m_depth;
+    xcb_visualid_t m_visual;
+    xcb_colormap_t m_colormap = XCB_NONE;
+    xcb_gcontext_t m_graphicsContext = XCB_NONE;
+};
+
+/// One override-redirect window of the X server, which keeps its picture itself as background and
+/// repaints it without the help of this program. Geometry in pixels of the root. Destroying the
+/// object destroys the window.
+class NativeOverlayWindow {
+public:
+    /// Makes an unmapped window. `connection` and `visual` must outlive it.
+    NativeOverlayWindow(XcbConnection& connection, const OverlayVisual& visual, const QRect& rect,
+                        const QString& title, const std::optional<QUuid>& maskID);
+    ~NativeOverlayWindow();
+    NativeOverlayWindow(const NativeOverlayWindow&) = delete;
+    NativeOverlayWindow& operator=(const NativeOverlayWindow&) = delete;
+
+    xcb_window_t id() const { return m_id; }
+    const QRect& rect() const { return m_rect; }
+    bool isMapped() const { return m_isMapped; }
+
+    void setRect(const QRect& rect);
+    /// Gives the window a new picture of the given size, painted part by part: each image lies at
+    /// the position beside it. A window of another size must be resized right after.
+    struct Part {
+        QPoint position;
+        QImage image;
+    };
+    void setPicture(QSize size, const QList<Part>& parts);
+    /// Takes the window away outside these rectangles; an empty list restores it whole.
+    void setBoundingAreas(const QList<QRect>& areas);
+    /// Lets the mouse through to what lies below.
+    void setInputPassThrough(bool isPassThrough);
+    void setCursor(xcb_cursor_t cursor);
+    void map();
+    void unmap();
+    void raise();
+
+    /// Whether the server had carried out our last request for this window when it made the event.
+    /// If so, a state in it that is not ours was made by another program.
+    bool isUpToDate(const xcb_generic_event_t& event) const;
+    /// Takes note of what another program did to the window.
+    void noteForeignRect(const QRect& rect) { m_rect = rect; }
+    void noteForeignUnmap() { m_isMapped = false; }
+    void noteForeignDestruction() { m_id = XCB_NONE; }
+
+private:
+    void setProperties(const QString& title, const std::optional<QUuid>& maskID);
+    void putImage(xcb_pixmap_t pixmap, const Part& part);
+
+    XcbConnection& m_connection;
+    const OverlayVisual& m_visual;
+    xcb_window_t m_id;
+    QRect m_rect;
+    QSize m_pictureSize;
+    bool m_isMapped = false;
+    uint32_t m_lastSequence = 0;
+};

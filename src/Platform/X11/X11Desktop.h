@@ -1,0 +1,36 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include <QObject>
+#include <QString>
+
+#include "Platform/MainLoop.h"
+#include "Platform/SurfaceAccessibility.h"
+#include "Platform/SystemLog.h"
+#include "Platform/X11/X11OverlaySurfaces.h"
+#include "Platform/X11/X11Screens.h"
+#include "Platform/X11/XcbConnection.h"
+
+/// The X11 back end: one connection with the screens and overlay surfaces on it. A QGuiApplication
+/// on the same display must exist, for the scale factors and to tell its own windows.
+class X11Desktop final : public QObject {
+public:
+    /// Null when there is no display; `error` then says why. Everything passed must outlive it.
+    static std::unique_ptr<X11Desktop> open(Scheduler& scheduler, SystemLog& log,
+                                            SurfaceAccessibility* accessibility, QString* error);
+
+    XcbConnection& connection() { return *m_connection; }
+    X11Screens& screens() { return m_screens; }
+    X11OverlaySurfaces& overlaySurfaces() { return m_overlaySurfaces; }
+
+private:
+    X11Desktop(std::unique_ptr<XcbConnection> connection, Scheduler& scheduler, SystemLog& log,
+               SurfaceAccessibility* accessibility);
+    void followToolkitScreens();
+
+    std::unique_ptr<XcbConnection> m_connection;
+    X11Screens m_screens;
+    X11OverlaySurfaces m_overlaySurfaces;
+};

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+#include "Platform/OverlaySurfaces.h"
+#include "Platform/X11/DesktopSpace.h"
+#include "Platform/X11/NativeOverlayWindow.h"
+
+class X11OverlaySurfaces;
+
+/// An overlay surface as a window of the X server. It keeps what is wanted; `apply` brings the
+/// window in step with it, so that many changes become one visible step.
+class X11OverlaySurface final : public OverlaySurface {
+public:
+    X11OverlaySurface(X11OverlaySurfaces& owner, SurfaceDescription description,
+                      SurfaceDelegate* delegate, std::unique_ptr<NativeOverlayWindow> window);
+    ~X11OverlaySurface() override;
+
+    Rect frame() const override { return m_description.frame; }
+    void setFrame(const Rect& frame) override;
+    void setContent(std::shared_ptr<const SurfaceContent> content) override;
+    void setAccessibleDescription(const AccessibleDescription& description) override;
+    void setIgnoresMouseEvents(bool ignores) override;
+    void setCursor(CursorShape shape) override;
+    void orderFront() override;
+    void orderOut() override;
+
+    const SurfaceDescription& description() const { return m_description; }
+    SurfaceDelegate* delegate() const { return m_delegate; }
+    NativeOverlayWindow& window() { return *m_window; }
+    const NativeOverlayWindow& window() const { return *m_window; }
+    bool isShown() const { return m_isShown; }
+    /// The later a surface was last ordered to the front, the higher it lies.
+    std::uint64_t raiseNumber() const { return m_raiseNumber; }
+    /// Device pixels per point where the surface is.
+    double scaleFactor() const { return m_scaleFactor; }
+
+    /// Sends to the server what differs from the wanted state, mapping and stacking excepted.
+    void apply(const DesktopSpace& space);
+    /// Takes over where the window is after the screens changed; the delegate is not told.
+    void followScreens(const QList<ScreenInfo>& oldScreens, const DesktopSpace& space);
+    /// Takes over where another program put the window, and tells the delegate.
+    void adoptForeignRect(const QRect& rect, const DesktopSpace& space);
+    /// Puts a new window in the place of the old one, which is returned still as it was.
+    std::unique_ptr<NativeOverlayWindow> replaceWindow(std::unique_ptr<NativeOverlayWindow> window);
+
+private:
+    void paint(QSize size);
+    void tellDelegate(const Rect& previous);
+
+    X11OverlaySurfaces& m_owner;
+    SurfaceDescription m_description;
+    SurfaceDelegate* m_delegate;
+    std::unique_ptr<NativeOverlayWindow> m_window;
+    std::shared_ptr<const SurfaceContent> m_content;
+    AccessibleDescription m_accessible;
+    CursorShape m_cursor = CursorShape::arrow;
+    std::optional<CursorShape> m_appliedCursor;
+    bool m_ignoresMouseEvents = false;
+    bool m_hasAppliedPassThrough = false;
+    bool m_hasBoundingAreas = false;
+    bool m_isShown = false;
+    bool m_needsPainting = true;
+    double m_scaleFactor = 1;
+    std::uint64_t m_raiseNumber = 0;
+};

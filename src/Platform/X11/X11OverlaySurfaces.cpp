@@ -1,0 +1,218 @@
+#include "Platform/X11/X11OverlaySurfaces.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "Platform/X11/LeftoverWindows.h"
+
+X11OverlaySurfaces::X11OverlaySurfaces(const Services& services)
+    : m_services(services),
+      m_connection(services.connection),
+      m_visual(services.connection),
+      m_cursors(services.connection),
+      m_input(*this),
+      m_knownScreens(services.screens.screens()),
+      m_guard(services.connection, services.scheduler, services.log, *this) {
+    m_guard.onManagerReplaced = [this] { remakeWindows(); };
+    m_subscriptions.keep(
+        m_connection.onEvent([this](const xcb_generic_event_t& event) { handleEvent(event); }));
+    m_subscriptions.keep(m_connection.onBurstEnd([this] { m_input.flushMotion(); }));
+    m_subscriptions.keep(m_services.screens.onScreensChanged([this] { followScreens(); }));
+}
+
+X11OverlaySurfaces::~X11OverlaySurfaces() = default;
+
+std::unique_ptr<OverlaySurface> X11OverlaySurfaces::createSurface(
+    const SurfaceDescription& description, SurfaceDelegate* delegate) {
+    auto surface = std::make_unique<X11OverlaySurface>(*this, description, delegate,
+                                                       makeWindow(description));
+    m_surfaces.push_back(surface.get());
+    return surface;
+}
+
+std::unique_ptr<NativeOverlayWindow> X11OverlaySurfaces::makeWindow(
+    const SurfaceDescription& description) {
+    return std::make_unique<NativeOverlayWindow>(
+        m_connection, m_visual, m_services.screens.space().toNative(description.frame),
+        description.title, description.maskID);
+}
+
+void X11OverlaySurfaces::endBatch() {
+    if (--m_openBatches == 0) commit();
+}
+
+void X11OverlaySurfaces::releaseLeftovers() {
+    killLeftoverWindows(m_connection, m_services.log);
+    m_connection.flush();
+}
+
+void X11OverlaySurfaces::forget(X11OverlaySurface& surface) {
+    m_input.forget(surface);
+    std::erase(m_surfaces, &surface);
+    std::erase(m_stack, surface.window().id());
+    if (m_services.accessibility) m_services.accessibility->forget(surface);
+    // The window itself goes when the surface's destructor is done, before the next commit.
+    noteOrder();
+}
+
+void X11OverlaySurfaces::noteChange(X11OverlaySurface& /*surface*/) {
+    m_needsApply = true;
+    commitUnlessBatched();
+}
+
+void X11OverlaySurfaces::noteOrder() {
+    m_needsApply = true;
+    m_needsOrder = true;
+    commitUnlessBatched();
+}
+
+void X11OverlaySurfaces::describe(X11OverlaySurface& surface,
+                                  const AccessibleDescription& description) {
+    if (m_services.accessibility) m_services.accessibility->describe(surface, description);
+}
+
+void X11OverlaySurfaces::endGestureOf(X11OverlaySurface& surface) { m_input.endGestureOf(surface); }
+
+QImage::Format X11OverlaySurfaces::imageFormat() const {
+    return m_visual.hasAlpha() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
+}
+
+void X11OverlaySurfaces::commitUnlessBatched() {
+    if (m_openBatches == 0) commit();
+}
+
+void X11OverlaySurfaces::commit() {
+    if (std::exchange(m_needsApply, false)) {
+        const DesktopSpace& space = m_services.screens.space();
+        for (X11OverlaySurface* surface : m_surfaces) surface->apply(space);
+    }
+    if (std::exchange(m_needsOrder, false)) {
+        applyOrder();
+        updateCloseDownMode();
+    }
+    m_connection.flush();
+}
+
+std::vector<X11OverlaySurface*> X11OverlaySurfaces::shownInOrder() const {
+    std::vector<X11OverlaySurface*> shown;
+    std::copy_if(m_surfaces.begin(), m_surfaces.end(), std::back_inserter(shown),
+                 [](const X11OverlaySurface* surface) { return surface->isShown(); });
+    std::sort(shown.begin(), shown.end(),
+              [](const X11OverlaySurface* a, const X11OverlaySurface* b) {
+                  return a->raiseNumber() < b->raiseNumber();
+              });
+    return shown;
+}
+
+void X11OverlaySurfaces::applyOrder() {
+    const auto shown = shownInOrder();
+    std::vector<xcb_window_t> stack;
+    stack.reserve(shown.size());
+    for (const X11OverlaySurface* surface : shown) stack.push_back(surface->window().id());
+
+    // What went only leaves the others where they are.
+    std::erase_if(m_stack, [&](xcb_window_t window) {
+        return std::find(stack.begin(), stack.end(), window) == stack.end();
+    });
+    const auto firstDifference =
+        std::mismatch(stack.begin(), stack.end(), m_stack.begin(), m_stack.end()).first;
+    for (auto i = firstDifference - stack.begin(); i < static_cast<std::ptrdiff_t>(shown.size());
+         ++i) {
+        NativeOverlayWindow& window = shown[static_cast<std::size_t>(i)]->window();
+        window.raise();
+        window.map();
+    }
+    for (X11OverlaySurface* surface : m_surfaces)
+        if (!surface->isShown()) surface->window().unmap();
+    m_stack = std::move(stack);
+
+    if (!m_services.accessibility) return;
+    for (const X11OverlaySurface* surface : m_surfaces)
+        m_services.accessibility->place(*surface, surface->window().rect(), surface->isShown());
+}
+
+void X11OverlaySurfaces::updateCloseDownMode() {
+    const bool shouldBeRetained = !m_stack.empty();
+    if (std::exchange(m_isRetained, shouldBeRetained) == shouldBeRetained) return;
+    xcb_set_close_down_mode(m_connection, shouldBeRetained ? XCB_CLOSE_DOWN_RETAIN_PERMANENT
+                                                           : XCB_CLOSE_DOWN_DESTROY_ALL);
+}
+
+void X11OverlaySurfaces::handleEvent(const xcb_generic_event_t& event) {
+    m_input.handleEvent(event);
+    const uint8_t type = event.response_type & 0x7f;
+    if (type == XCB_CONFIGURE_NOTIFY) {
+        handleForeignConfigure(event);
+    } else if (type == XCB_UNMAP_NOTIFY) {
+        const auto& unmap = reinterpret_cast<const xcb_unmap_notify_event_t&>(event);
+        auto* const surface = surfaceOf(unmap.window);
+        if (!surface || !surface->window().isMapped() || !surface->window().isUpToDate(event))
+            return;
+        // Hiding a mask is not for other programs.
+        surface->window().noteForeignUnmap();
+        std::erase(m_stack, unmap.window);
+        noteOrder();
+    } else if (type == XCB_DESTROY_NOTIFY) {
+        const auto& destroy = reinterpret_cast<const xcb_destroy_notify_event_t&>(event);
+        if (auto* const surface = surfaceOf(destroy.window)) {
+            surface->replaceWindow(makeWindow(surface->description()))->noteForeignDestruction();
+            noteOrder();
+        }
+    }
+}
+
+void X11OverlaySurfaces::handleForeignConfigure(const xcb_generic_event_t& event) {
+    const auto& configure = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
+    if (configure.event != configure.window) return;
+    auto* const surface = surfaceOf(configure.window);
+    const QRect rect(configure.x, configure.y, configure.width, configure.height);
+    if (!surface || surface->window().rect() == rect || !surface->window().isUpToDate(event))
+        return;
+    const SurfaceBatch batch(*this);
+    surface->adoptForeignRect(rect, m_services.screens.space());
+}
+
+void X11OverlaySurfaces::followScreens() {
+    const SurfaceBatch batch(*this);
+    const DesktopSpace& space = m_services.screens.space();
+    const QList<ScreenInfo> oldScreens = std::exchange(m_knownScreens, space.screens());
+    for (X11OverlaySurface* surface : m_surfaces) surface->followScreens(oldScreens, space);
+    m_needsApply = true;
+}
+
+void X11OverlaySurfaces::remakeWindows() {
+    const SurfaceBatch batch(*this);
+    std::vector<std::unique_ptr<NativeOverlayWindow>> oldWindows;
+    for (X11OverlaySurface* surface : m_surfaces) {
+        m_input.endGestureOf(*surface);
+        oldWindows.push_back(surface->replaceWindow(makeWindow(surface->description())));
+    }
+    m_needsApply = true;
+    m_needsOrder = true;
+    // The new windows are mapped before the old ones go, so that nothing shows in between.
+    commit();
+}
+
+X11OverlaySurface* X11OverlaySurfaces::surfaceOf(xcb_window_t window) const {
+    const auto found =
+        std::find_if(m_surfaces.begin(), m_surfaces.end(), [&](const X11OverlaySurface* surface) {
+            return surface->window().id() == window;
+        });
+    return found == m_surfaces.end() ? nullptr : *found;
+}
+
+std::vector<xcb_window_t> X11OverlaySurfaces::shownWindows() const { return m_stack; }
+
+bool X11OverlaySurfaces::isOwnWindow(xcb_window_t window) const {
+    return m_services.isOwnWindow(window);
+}
+
+void X11OverlaySurfaces::raiseShownWindows(bool remap) {
+    for (X11OverlaySurface* surface : shownInOrder()) {
+        NativeOverlayWindow& window = surface->window();
+        if (remap) window.unmap();
+        window.raise();
+        window.map();
+    }
+    m_connection.flush();
+}

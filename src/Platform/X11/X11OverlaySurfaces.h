@@ -1,0 +1,99 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "Platform/OverlaySurfaces.h"
+#include "Platform/SurfaceAccessibility.h"
+#include "Platform/X11/CursorTheme.h"
+#include "Platform/X11/NativeOverlayWindow.h"
+#include "Platform/X11/OverlayInput.h"
+#include "Platform/X11/StackingGuard.h"
+#include "Platform/X11/X11OverlaySurface.h"
+#include "Platform/X11/X11Screens.h"
+#include "Platform/X11/XcbConnection.h"
+
+/// The overlay windows of this program on the X server: makes them, keeps them in their order and
+/// above the windows of others, and hands them the mouse. While one is shown, the windows are
+/// retained by the server even if this program is killed.
+class X11OverlaySurfaces final : public OverlaySurfaces, private StackingGuard::Client {
+public:
+    /// Tells whether a top-level window is another window of this program, such as a menu, which
+    /// may lie above the masks.
+    using IsOwnWindow = std::function<bool(xcb_window_t window)>;
+
+    struct Services {
+        XcbConnection& connection;
+        X11Screens& screens;
+        Scheduler& scheduler;
+        SystemLog& log;
+        /// Null when nobody wants to hear of the surfaces.
+        SurfaceAccessibility* accessibility = nullptr;
+        IsOwnWindow isOwnWindow;
+    };
+
+    /// All services must outlive the surfaces.
+    explicit X11OverlaySurfaces(const Services& services);
+    ~X11OverlaySurfaces() override;
+    X11OverlaySurfaces(const X11OverlaySurfaces&) = delete;
+    X11OverlaySurfaces& operator=(const X11OverlaySurfaces&) = delete;
+
+    std::unique_ptr<OverlaySurface> createSurface(const SurfaceDescription& description,
+                                                  SurfaceDelegate* delegate) override;
+    void beginBatch() override { ++m_openBatches; }
+    void endBatch() override;
+
+    /// Releases the mask windows that an earlier, killed process left on the server. To be called
+    /// once this program's own masks are shown, so that nothing is uncovered in between.
+    void releaseLeftovers();
+
+private:
+    friend class X11OverlaySurface;
+    friend class OverlayInput;
+
+    // What a surface tells and asks of its owner.
+    void forget(X11OverlaySurface& surface);
+    void noteChange(X11OverlaySurface& surface);
+    void noteOrder();
+    void describe(X11OverlaySurface& surface, const AccessibleDescription& description);
+    void endGestureOf(X11OverlaySurface& surface);
+    std::uint64_t nextRaiseNumber() { return ++m_lastRaise; }
+    xcb_cursor_t cursor(CursorShape shape) { return m_cursors.cursor(shape); }
+    QImage::Format imageFormat() const;
+
+    void commitUnlessBatched();
+    void commit();
+    void applyOrder();
+    void updateCloseDownMode();
+    void handleEvent(const xcb_generic_event_t& event);
+    void handleForeignConfigure(const xcb_generic_event_t& event);
+    void followScreens();
+    void remakeWindows();
+    std::unique_ptr<NativeOverlayWindow> makeWindow(const SurfaceDescription& description);
+    X11OverlaySurface* surfaceOf(xcb_window_t window) const;
+    std::vector<X11OverlaySurface*> shownInOrder() const;
+
+    // StackingGuard::Client
+    std::vector<xcb_window_t> shownWindows() const override;
+    bool isOwnWindow(xcb_window_t window) const override;
+    void raiseShownWindows(bool remap) override;
+
+    Services m_services;
+    XcbConnection& m_connection;
+    OverlayVisual m_visual;
+    CursorTheme m_cursors;
+    OverlayInput m_input;
+    std::vector<X11OverlaySurface*> m_surfaces;
+    // The shown windows as last stacked, bottom to top.
+    std::vector<xcb_window_t> m_stack;
+    QList<ScreenInfo> m_knownScreens;
+    int m_openBatches = 0;
+    bool m_needsApply = false;
+    bool m_needsOrder = false;
+    bool m_isRetained = false;
+    std::uint64_t m_lastRaise = 0;
+    StackingGuard m_guard;
+    SubscriptionBag m_subscriptions;
+};

@@ -1,0 +1,181 @@
+#include "Platform/X11/X11Screens.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <xcb/randr.h>
+
+namespace {
+
+QRect geometryOf(const XcbReply<xcb_get_geometry_reply_t>& geometry,
+                 const XcbReply<xcb_translate_coordinates_reply_t>& inRoot) {
+    return {inRoot->dst_x, inRoot->dst_y, geometry->width, geometry->height};
+}
+
+// The twelve numbers of a partial strut, or the four of the older hint.
+PanelStrut strutFrom(const std::vector<uint32_t>& values, const QRect& window, QSize root) {
+    const auto at = [&](std::size_t i) { return static_cast<int>(std::min(values[i], 1U << 20)); };
+    PanelStrut strut{.left = at(0),
+                     .right = at(1),
+                     .top = at(2),
+                     .bottom = at(3),
+                     .leftStart = 0,
+                     .leftEnd = root.height(),
+                     .rightStart = 0,
+                     .rightEnd = root.height(),
+                     .topStart = 0,
+                     .topEnd = root.width(),
+                     .bottomStart = 0,
+                     .bottomEnd = root.width(),
+                     .window = window};
+    if (values.size() < 12) return strut;
+    strut.leftStart = at(4);
+    strut.leftEnd = at(5);
+    strut.rightStart = at(6);
+    strut.rightEnd = at(7);
+    strut.topStart = at(8);
+    strut.topEnd = at(9);
+    strut.bottomStart = at(10);
+    strut.bottomEnd = at(11);
+    return strut;
+}
+
+}  // namespace
+
+X11Screens::X11Screens(XcbConnection& connection, ScaleFactor scaleFactor)
+    : m_connection(connection), m_scaleFactor(std::move(scaleFactor)) {
+    if (m_connection.hasExtension(xcb_randr_id)) {
+        const auto version = xcbReply(xcb_randr_query_version_reply, m_connection.get(),
+                                      xcb_randr_query_version(m_connection, 1, 5));
+        m_hasMonitors = version && (version->major_version > 1 || version->minor_version >= 5);
+        m_firstRandrEvent = xcb_get_extension_data(m_connection, &xcb_randr_id)->first_event;
+        xcb_randr_select_input(
+            m_connection, m_connection.root(),
+            XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_PROPERTY);
+    }
+    m_connection.selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    m_subscriptions.keep(
+        m_connection.onEvent([this](const xcb_generic_event_t& event) { handleEvent(event); }));
+    m_subscriptions.keep(m_connection.onBurstEnd([this] {
+        if (std::exchange(m_needsRefresh, false)) refresh();
+    }));
+    refresh();
+}
+
+std::optional<ScreenInfo> X11Screens::mainScreen() const {
+    const auto& all = m_space.screens();
+    return all.isEmpty() ? std::nullopt : std::optional(all.first());
+}
+
+Point X11Screens::pointerLocation() const {
+    const auto pointer = xcbReply(xcb_query_pointer_reply, m_connection.get(),
+                                  xcb_query_pointer(m_connection, m_connection.root()));
+    return pointer ? m_space.toGlobal(QPoint(pointer->root_x, pointer->root_y)) : Point();
+}
+
+Subscription X11Screens::onScreensChanged(std::function<void()> callback) {
+    return m_changed.subscribe(std::move(callback));
+}
+
+void X11Screens::refresh() {
+    const QSize root = rootSize();
+    QList<NativeScreen> monitors = readMonitors();
+    const QList<PanelStrut> panels = readPanels(root);
+    for (NativeScreen& monitor : monitors)
+        monitor.visibleFrame = visibleFrameBesidePanels(monitor.frame, panels, root);
+
+    DesktopSpace space(std::move(monitors), root);
+    if (space == m_space) return;
+    m_space = std::move(space);
+    m_changed.notify();
+}
+
+void X11Screens::handleEvent(const xcb_generic_event_t& event) {
+    const uint8_t type = event.response_type & 0x7f;
+    const X11Atoms& atoms = m_connection.atoms();
+    if (m_hasMonitors && (type == m_firstRandrEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
+                          type == m_firstRandrEvent + XCB_RANDR_NOTIFY)) {
+        m_needsRefresh = true;
+    } else if (type == XCB_CONFIGURE_NOTIFY) {
+        // A monitor made by a client shows only as a ConfigureNotify of the root on some servers.
+        const auto& configure = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
+        const bool isPanel = std::find(m_panelWindows.begin(), m_panelWindows.end(),
+                                       configure.window) != m_panelWindows.end();
+        m_needsRefresh |= configure.window == m_connection.root() || isPanel;
+    } else if (type == XCB_PROPERTY_NOTIFY) {
+        const auto& property = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+        const bool isRoot = property.window == m_connection.root();
+        m_needsRefresh |= isRoot && (property.atom == atoms.netClientList ||
+                                     property.atom == atoms.netWorkarea);
+        m_needsRefresh |= !isRoot && (property.atom == atoms.netWmStrut ||
+                                      property.atom == atoms.netWmStrutPartial);
+    }
+}
+
+QList<NativeScreen> X11Screens::readMonitors() const {
+    QList<NativeScreen> monitors;
+    if (m_hasMonitors) {
+        const auto reply = xcbReply(xcb_randr_get_monitors_reply, m_connection.get(),
+                                    xcb_randr_get_monitors(m_connection, m_connection.root(), 1));
+        if (!reply) return {};
+        for (auto i = xcb_randr_get_monitors_monitors_iterator(reply.get()); i.rem > 0;
+             xcb_randr_monitor_info_next(&i)) {
+            const auto atomName = xcbReply(xcb_get_atom_name_reply, m_connection.get(),
+                                           xcb_get_atom_name(m_connection, i.data->name));
+            if (i.data->width == 0 || i.data->height == 0) continue;
+            const QString name =
+                atomName ? QString::fromUtf8(xcb_get_atom_name_name(atomName.get()),
+                                             xcb_get_atom_name_name_length(atomName.get()))
+                         : QString();
+            const QRect frame(i.data->x, i.data->y, i.data->width, i.data->height);
+            const NativeScreen monitor{name, frame, frame, std::max(m_scaleFactor(name), 0.1)};
+            if (i.data->primary)
+                monitors.prepend(monitor);
+            else
+                monitors.append(monitor);
+        }
+    } else {
+        const QRect frame(QPoint(0, 0), rootSize());
+        monitors.append({QStringLiteral("screen"), frame, frame, m_scaleFactor(QString())});
+    }
+    return monitors;
+}
+
+QList<PanelStrut> X11Screens::readPanels(QSize root) {
+    const X11Atoms& atoms = m_connection.atoms();
+    m_panelWindows.clear();
+    QList<PanelStrut> panels;
+    for (const xcb_window_t window :
+         m_connection.property32(m_connection.root(), atoms.netClientList)) {
+        auto values = m_connection.property32(window, atoms.netWmStrutPartial);
+        if (values.size() < 12) values = m_connection.property32(window, atoms.netWmStrut);
+        const auto types = m_connection.property32(window, atoms.netWmWindowType);
+        const bool isDock = std::find(types.begin(), types.end(), atoms.netWmWindowTypeDock) !=
+                            types.end();
+        const bool hasStrut = values.size() >= 4;
+        if (!hasStrut && !isDock) continue;
+
+        // A dock may set its strut later.
+        m_panelWindows.push_back(window);
+        const uint32_t eventMask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+        xcb_change_window_attributes(m_connection, window, XCB_CW_EVENT_MASK, &eventMask);
+        if (!hasStrut) continue;
+        const auto geometry = xcbReply(xcb_get_geometry_reply, m_connection.get(),
+                                       xcb_get_geometry(m_connection, window));
+        const auto inRoot = xcbReply(
+            xcb_translate_coordinates_reply, m_connection.get(),
+            xcb_translate_coordinates(m_connection, window, m_connection.root(), 0, 0));
+        if (geometry && inRoot)
+            panels.append(strutFrom(values, geometryOf(geometry, inRoot), root));
+    }
+    return panels;
+}
+
+QSize X11Screens::rootSize() const {
+    const auto geometry = xcbReply(xcb_get_geometry_reply, m_connection.get(),
+                                   xcb_get_geometry(m_connection, m_connection.root()));
+    const xcb_screen_t& screen = m_connection.screen();
+    return geometry ? QSize(geometry->width, geometry->height)
+                    : QSize(screen.width_in_pixels, screen.height_in_pixels);
+}

@@ -1,0 +1,167 @@
+#include "Platform/X11/XcbConnection.h"
+
+#include <array>
+#include <utility>
+
+#include <QAbstractEventDispatcher>
+#include <QSocketNotifier>
+
+namespace {
+
+xcb_screen_t* screenNumbered(xcb_connection_t* connection, int number) {
+    auto iterator = xcb_setup_roots_iterator(xcb_get_setup(connection));
+    for (int i = 0; i < number && iterator.rem > 1; ++i) xcb_screen_next(&iterator);
+    return iterator.data;
+}
+
+QString connectionErrorText(int error, const QString& display) {
+    if (display.isEmpty()) return QStringLiteral("no X display: DISPLAY is not set");
+    if (error == XCB_CONN_CLOSED_PARSE_ERR)
+        return QStringLiteral("\"%1\" is not the name of an X display").arg(display);
+    if (error == XCB_CONN_CLOSED_INVALID_SCREEN)
+        return QStringLiteral("X display \"%1\" has no such screen").arg(display);
+    return QStringLiteral("cannot open X display \"%1\"").arg(display);
+}
+
+}  // namespace
+
+std::unique_ptr<XcbConnection> XcbConnection::open(QString* error) {
+    int screenNumber = 0;
+    xcb_connection_t* const connection = xcb_connect(nullptr, &screenNumber);
+    if (const int status = xcb_connection_has_error(connection)) {
+        xcb_disconnect(connection);
+        *error = connectionErrorText(status, qEnvironmentVariable("DISPLAY"));
+        return nullptr;
+    }
+    return std::unique_ptr<XcbConnection>(new XcbConnection(connection, screenNumber));
+}
+
+XcbConnection::XcbConnection(xcb_connection_t* connection, int screenNumber)
+    : m_connection(connection), m_screen(screenNumbered(connection, screenNumber)) {
+    internAtoms(screenNumber);
+
+    m_socketNotifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection),
+                                                         QSocketNotifier::Read);
+    connect(m_socketNotifier.get(), &QSocketNotifier::activated, this, [this] { processEvents(); });
+    // Waiting for a reply can take events off the socket, and nothing would then tell of them.
+    if (auto* const dispatcher = QAbstractEventDispatcher::instance()) {
+        connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, [this] {
+            if (m_isDispatching) return;
+            while (dispatchBurst(xcb_poll_for_queued_event)) {
+            }
+            flush();
+        });
+    }
+}
+
+XcbConnection::~XcbConnection() {
+    m_socketNotifier.reset();
+    xcb_disconnect(m_connection);
+}
+
+void XcbConnection::internAtoms(int screenNumber) {
+    const QByteArray number = QByteArray::number(screenNumber);
+    const std::array<std::pair<QByteArray, xcb_atom_t*>, 15> names{{
+        {"_VEYLA_MASK_ID", &m_atoms.veylaMaskID},
+        {"UTF8_STRING", &m_atoms.utf8String},
+        {"_NET_WM_NAME", &m_atoms.netWmName},
+        {"_NET_WM_PID", &m_atoms.netWmPid},
+        {"_NET_WM_WINDOW_TYPE", &m_atoms.netWmWindowType},
+        {"_NET_WM_WINDOW_TYPE_DOCK", &m_atoms.netWmWindowTypeDock},
+        {"_NET_CLIENT_LIST", &m_atoms.netClientList},
+        {"_NET_WORKAREA", &m_atoms.netWorkarea},
+        {"_NET_CURRENT_DESKTOP", &m_atoms.netCurrentDesktop},
+        {"_NET_WM_STRUT", &m_atoms.netWmStrut},
+        {"_NET_WM_STRUT_PARTIAL", &m_atoms.netWmStrutPartial},
+        {"_NET_SUPPORTING_WM_CHECK", &m_atoms.netSupportingWmCheck},
+        {"WM_S" + number, &m_atoms.wmSelection},
+        {"_NET_WM_CM_S" + number, &m_atoms.compositorSelection},
+        {"_XROOTPMAP_ID", &m_atoms.rootPixmap},
+    }};
+    std::vector<xcb_intern_atom_cookie_t> cookies;
+    cookies.reserve(names.size());
+    for (const auto& [name, atom] : names)
+        cookies.push_back(
+            xcb_intern_atom(m_connection, 0, static_cast<uint16_t>(name.size()), name.constData()));
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const auto reply = xcbReply(xcb_intern_atom_reply, m_connection, cookies[i]);
+        if (reply) *names[i].second = reply->atom;
+    }
+}
+
+void XcbConnection::selectRootEvents(uint32_t eventMask) {
+    if ((m_rootEventMask | eventMask) == m_rootEventMask) return;
+    m_rootEventMask |= eventMask;
+    xcb_change_window_attributes(m_connection, root(), XCB_CW_EVENT_MASK, &m_rootEventMask);
+}
+
+Subscription XcbConnection::onEvent(EventHandler handler) {
+    return m_event.subscribe([handler = std::move(handler)](const xcb_generic_event_t* event) {
+        if (event) handler(*event);
+    });
+}
+
+Subscription XcbConnection::onBurstEnd(std::function<void()> callback) {
+    return m_burstEnd.subscribe(std::move(callback));
+}
+
+Subscription XcbConnection::onConnectionLost(std::function<void()> callback) {
+    return m_connectionLost.subscribe(std::move(callback));
+}
+
+void XcbConnection::processEvents() {
+    if (m_isDispatching) return;
+    // What the handlers wait for may bring further events with it.
+    while (dispatchBurst(xcb_poll_for_event)) {
+    }
+    flush();
+    if (xcb_connection_has_error(m_connection)) {
+        m_socketNotifier->setEnabled(false);
+        m_connectionLost.notify();
+    }
+}
+
+template <typename Poll>
+bool XcbConnection::dispatchBurst(Poll poll) {
+    bool hasEvents = false;
+    m_isDispatching = true;
+    while (const XcbReply<xcb_generic_event_t> event{poll(m_connection)}) {
+        hasEvents = true;
+        const bool isError = event->response_type == 0;
+        if (isError) continue;
+        m_event.set(event.get());
+    }
+    if (hasEvents) {
+        m_event.set(nullptr);
+        m_burstEnd.notify();
+    }
+    m_isDispatching = false;
+    return hasEvents;
+}
+
+std::vector<uint32_t> XcbConnection::property32(xcb_window_t window, xcb_atom_t property) const {
+    constexpr uint32_t longestRead = 1 << 16;
+    const auto reply =
+        xcbReply(xcb_get_property_reply, m_connection,
+                 xcb_get_property(m_connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0,
+                                  longestRead));
+    if (!reply || reply->format != 32) return {};
+    const auto* const items = static_cast<const uint32_t*>(xcb_get_property_value(reply.get()));
+    return {items, items + reply->value_len};
+}
+
+QByteArray XcbConnection::property8(xcb_window_t window, xcb_atom_t property) const {
+    constexpr uint32_t longestRead = 1 << 16;
+    const auto reply =
+        xcbReply(xcb_get_property_reply, m_connection,
+                 xcb_get_property(m_connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0,
+                                  longestRead));
+    if (!reply || reply->format != 8) return {};
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+            xcb_get_property_value_length(reply.get())};
+}
+
+bool XcbConnection::hasExtension(xcb_extension_t& extension) const {
+    const auto* const data = xcb_get_extension_data(m_connection, &extension);
+    return data && data->present;
+}

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+
+#include "Platform/X11/XcbReply.h"
+#include "Reactive/Notifier.h"
+#include "Reactive/Subscription.h"
+
+#include <xcb/xcb.h>
+
+class QSocketNotifier;
+
+/// The atoms that Veyla uses, interned together.
+struct X11Atoms {
+    xcb_atom_t veylaMaskID = XCB_NONE;
+    xcb_atom_t utf8String = XCB_NONE;
+    xcb_atom_t netWmName = XCB_NONE;
+    xcb_atom_t netWmPid = XCB_NONE;
+    xcb_atom_t netWmWindowType = XCB_NONE;
+    xcb_atom_t netWmWindowTypeDock = XCB_NONE;
+    xcb_atom_t netClientList = XCB_NONE;
+    xcb_atom_t netWorkarea = XCB_NONE;
+    xcb_atom_t netCurrentDesktop = XCB_NONE;
+    xcb_atom_t netWmStrut = XCB_NONE;
+    xcb_atom_t netWmStrutPartial = XCB_NONE;
+    xcb_atom_t netSupportingWmCheck = XCB_NONE;
+    xcb_atom_t wmSelection = XCB_NONE;
+    xcb_atom_t compositorSelection = XCB_NONE;
+    xcb_atom_t rootPixmap = XCB_NONE;
+};
+
+/// A connection to the X server of Veyla's own, beside the one of the toolkit: windows on it can
+/// outlive a crash without anything else doing so. Hands out events to whoever subscribes, from
+/// the main loop, and flushes requests before the loop goes to sleep.
+class XcbConnection final : public QObject {
+public:
+    using EventHandler = std::function<void(const xcb_generic_event_t&)>;
+
+    /// Connects to the display that the environment names. Null when there is none; `error` then
+    /// says why.
+    static std::unique_ptr<XcbConnection> open(QString* error);
+    ~XcbConnection() override;
+
+    xcb_connection_t* get() const { return m_connection; }
+    operator xcb_connection_t*() const { return m_connection; }  // NOLINT: reads as the handle
+    const xcb_screen_t& screen() const { return *m_screen; }
+    xcb_window_t root() const { return m_screen->root; }
+    const X11Atoms& atoms() const { return m_atoms; }
+
+    /// Whether a window was made on this connection.
+    bool owns(xcb_window_t window) const {
+        const xcb_setup_t* const setup = xcb_get_setup(m_connection);
+        return (window & ~setup->resource_id_mask) == setup->resource_id_base;
+    }
+
+    /// Adds to the events that this connection asks of the root window.
+    void selectRootEvents(uint32_t eventMask);
+
+    /// Calls back with every event, in order. Errors are not events.
+    Subscription onEvent(EventHandler handler);
+    /// Calls back after each burst of events that came together.
+    Subscription onBurstEnd(std::function<void()> callback);
+    /// Calls back once when the server has closed the connection.
+    Subscription onConnectionLost(std::function<void()> callback);
+
+    /// Sends the requests made so far.
+    void flush() { xcb_flush(m_connection); }
+
+    /// The values of a property of 32-bit items; empty when it is absent or of another format.
+    std::vector<uint32_t> property32(xcb_window_t window, xcb_atom_t property) const;
+    /// The bytes of a property of 8-bit items; empty when it is absent or of another format.
+    QByteArray property8(xcb_window_t window, xcb_atom_t property) const;
+    /// Whether the server has an extension, by its protocol name.
+    bool hasExtension(xcb_extension_t& extension) const;
+
+private:
+    XcbConnection(xcb_connection_t* connection, int screenNumber);
+
+    void internAtoms(int screenNumber);
+    void processEvents();
+    template <typename Poll>
+    bool dispatchBurst(Poll poll);
+
+    xcb_connection_t* m_connection;
+    xcb_screen_t* m_screen = nullptr;
+    X11Atoms m_atoms;
+    uint32_t m_rootEventMask = 0;
+    bool m_isDispatching = false;
+    std::unique_ptr<QSocketNotifier> m_socketNotifier;
+    Published<const xcb_generic_event_t*> m_event{nullptr};
+    Notifier m_burstEnd;
+    Notifier m_connectionLost;
+};

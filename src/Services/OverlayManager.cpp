@@ -1,0 +1,128 @@
+#include "Services/OverlayManager.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <QSet>
+
+#include "Services/ScreenPlacement.h"
+
+OverlayManager::OverlayManager(MainLoop& mainLoop, Screens& screens, OverlaySurfaces& surfaces)
+    : m_screens(screens), m_surfaces(surfaces) {
+    m_screenObserver = m_screens.onScreensChanged([this, &mainLoop] {
+        mainLoop.post(m_lifetime.guard([this] { recoverWindowsForCurrentScreens(); }));
+    });
+}
+
+OverlayManager::~OverlayManager() = default;
+
+void OverlayManager::sync(const QList<ScreenMask>& masks, bool areMasksVisible,
+                          bool isEditingEnabled, const std::optional<QUuid>& selectedMaskID,
+                          FrameChanged onMaskFrameChanged, MaskSelected onMaskSelected) {
+    if (m_isSyncing) return;
+    m_isSyncing = true;
+    m_onMaskFrameChanged = std::move(onMaskFrameChanged);
+    m_onMaskSelected = std::move(onMaskSelected);
+
+    {
+        const SurfaceBatch batch(m_surfaces);
+        closeWindowsExcept(masks);
+        const QList<Rect> frames = visibleFrames(m_screens);
+        for (const ScreenMask& mask : masks)
+            syncWindow(mask, areMasksVisible && mask.isVisible, isEditingEnabled,
+                       selectedMaskID == mask.id, frames);
+    }
+
+    const auto visibleCount = std::count_if(masks.begin(), masks.end(),
+                                            [](const ScreenMask& mask) { return mask.isVisible; });
+    activeOverlayCount.set(areMasksVisible ? static_cast<int>(visibleCount) : 0);
+    m_isSyncing = false;
+}
+
+void OverlayManager::setSelectedMask(const std::optional<QUuid>& maskID) {
+    const SurfaceBatch batch(m_surfaces);
+    for (const auto& [id, entry] : m_windows) {
+        if (!entry.window->contentView()) continue;
+        OverlayMaskView view = *entry.window->contentView();
+        view.isSelected = maskID == id;
+        entry.window->setContentView(view);
+    }
+}
+
+void OverlayManager::focusMask(const QUuid& maskID) {
+    const auto found = m_windows.find(maskID);
+    if (found != m_windows.end()) found->second.window->orderFront();
+}
+
+const OverlayWindow* OverlayManager::windowFor(const QUuid& maskID) const {
+    const auto found = m_windows.find(maskID);
+    return found == m_windows.end() ? nullptr : found->second.window.get();
+}
+
+void OverlayManager::windowDidMove(OverlayWindow& window) { reportFrame(window); }
+
+void OverlayManager::windowDidResize(OverlayWindow& window) { reportFrame(window); }
+
+OverlayWindow& OverlayManager::findOrCreateWindow(const ScreenMask& mask) {
+    Entry& entry = m_windows[mask.id];
+    entry.modelFrame = mask.frame;
+    std::unique_ptr<OverlayWindow>& window = entry.window;
+    if (window) return *window;
+    window = std::make_unique<OverlayWindow>(mask.id, mask.frame, m_surfaces, m_screens,
+                                             static_cast<OverlayWindowDelegate&>(*this));
+    window->onMaskSelected = m_lifetime.guard([this, id = mask.id] {
+        if (m_onMaskSelected) m_onMaskSelected(id);
+    });
+    return *window;
+}
+
+void OverlayManager::closeWindowsExcept(const QList<ScreenMask>& masks) {
+    QSet<QUuid> ids;
+    ids.reserve(masks.size());
+    for (const ScreenMask& mask : masks) ids.insert(mask.id);
+    std::erase_if(m_windows, [&](const auto& entry) { return !ids.contains(entry.first); });
+}
+
+void OverlayManager::syncWindow(const ScreenMask& mask, bool isShown, bool isEditingEnabled,
+                                bool isSelected, const QList<Rect>& frames) {
+    OverlayWindow& window = findOrCreateWindow(mask);
+    const Rect target = resolvedFrame(mask.frame, frames);
+    if (window.frame() != target) {
+        window.setFrame(target);
+        reportFrame(window);
+    }
+    window.setContentView({mask, isSelected, isEditingEnabled});
+    window.setIgnoresMouseEvents(!isEditingEnabled || mask.isClickThrough);
+    if (isShown)
+        window.orderFront();
+    else
+        window.orderOut();
+}
+
+void OverlayManager::recoverWindowsForCurrentScreens() {
+    // Every report makes the model sync, with frames that for the windows not yet reported are
+    // still those of the old screens. So all reports are made before any sync runs.
+    if (m_isSyncing) return;
+    m_isSyncing = true;
+    {
+        const SurfaceBatch batch(m_surfaces);
+        const QList<Rect> frames = visibleFrames(m_screens);
+        for (auto& [id, entry] : m_windows) {
+            OverlayWindow& window = *entry.window;
+            const Rect target = resolvedFrame(window.frame(), frames);
+            if (window.frame() != target) window.setFrame(target);
+            if (window.frame() != entry.modelFrame) reportFrame(window);
+            window.restartGesture();
+        }
+    }
+    m_isSyncing = false;
+}
+
+void OverlayManager::reportFrame(const OverlayWindow& window) {
+    // By copy: the model may answer with a sync, which replaces the callback.
+    const FrameChanged callback = m_onMaskFrameChanged;
+    if (!callback) return;
+    const auto entry = m_windows.find(window.maskID());
+    if (entry != m_windows.end()) entry->second.modelFrame = window.frame();
+    callback(window.maskID(), window.frame());
+}
