@@ -42,9 +42,17 @@ install_missing() {
         apt=(sudo "${apt[@]}")
     fi
     say "Installing ${missing//$'\n'/ }"
-    "${apt[@]}" update >/dev/null
+    # Maintainer scripts talk a lot; what they say matters only when something fails.
+    local log
+    log=$(mktemp)
     # shellcheck disable=SC2086  # one word a package
-    "${apt[@]}" install -y --no-install-recommends $missing >/dev/null
+    if ! { "${apt[@]}" update &&
+        "${apt[@]}" install -y --no-install-recommends $missing; } >"$log" 2>&1; then
+        cat "$log"
+        say "The packages could not be installed."
+        exit 1
+    fi
+    rm "$log"
 }
 
 # Builds a preset, with ccache where there is one. Further arguments go to the build.
