@@ -1,5 +1,34 @@
 #include "VeylaApp.h"
 
+#include "App/WorkspaceLocation.h"
+#include "Platform/Qt/AtSpiAnnouncer.h"
+#include "Platform/Qt/QtMainLoop.h"
+#include "Platform/Qt/StderrLog.h"
+#include "Platform/X11/X11Desktop.h"
+
+#include <QApplication>
+#include <memory>
+
+namespace {
+
+// Qt reads these when the application object is made.
+void prepareToolkit() {
+    // Screen readers that come later would not find Veyla otherwise.
+    qputenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
+    // Masks are windows of the X server; the toolkit must be on the same one.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "xcb");
+    QGuiApplication::setApplicationDisplayName(QStringLiteral("Veyla"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("app.veyla.Veyla"));
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+}
+
+CommandResult noDisplay(const QString& reason) {
+    return {ExitStatus::nothingToActOn, QString(),
+            QStringLiteral("Veyla finds no display to show masks on: ") + reason};
+}
+
+}  // namespace
+
 VeylaApp::VeylaApp(const AppPlatform& platform, RemoteControlService& remoteControl)
     : m_mainLoop(platform.mainLoop),
       m_state(platform),
@@ -11,4 +40,29 @@ VeylaApp::VeylaApp(const AppPlatform& platform, RemoteControlService& remoteCont
 
 int VeylaApp::run() {
     return m_mainLoop.run();
+}
+
+CommandResult runVeyla(InstanceLock& lock, int argc, char** argv) {
+    // Asked first, because the toolkit aborts where there is no display.
+    QString error;
+    if (!XcbConnection::open(&error)) return noDisplay(error);
+
+    prepareToolkit();
+    const QApplication application(argc, argv);
+    StderrLog log;
+    QtMainLoop mainLoop;
+    RemoteControlService remoteControl(log);
+    int status = 0;
+    {
+        const auto desktop = X11Desktop::open(mainLoop, log, nullptr, &error);
+        if (!desktop) return noDisplay(error);
+        AtSpiAnnouncer announcer;
+        VeylaApp app({mainLoop, desktop->screens(), desktop->overlaySurfaces(), announcer, log,
+                      workspaceDirectory()},
+                     remoteControl);
+        desktop->overlaySurfaces().releaseLeftovers();
+        status = app.run();
+    }
+    lock.release();
+    return {static_cast<ExitStatus>(status), QString(), QString()};
 }

@@ -3,6 +3,7 @@
 #include "App/AppState.h"
 #include "App/DashboardWindow.h"
 #include "App/RemoteCommands.h"
+#include "Platform/Qt/InstanceLock.h"
 #include "Platform/Qt/RemoteControlService.h"
 #include "Platform/Qt/SignalWatcher.h"
 
@@ -26,3 +27,8 @@ private:
     RemoteCommands m_commands;
     SignalWatcher m_signalWatcher;
 };
+
+/// Puts the program on the desktop of this process and runs it. `lock` must be taken; it is
+/// released at the end, before the bus name goes, so that whoever waits for the end by the name
+/// can start the program again.
+CommandResult runVeyla(InstanceLock& lock, int argc, char** argv);

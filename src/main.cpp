@@ -1,15 +1,11 @@
 #include "App/CommandLine.h"
 #include "App/RemoteCommands.h"
-#include "App/WorkspaceLocation.h"
 #include "Platform/Qt/InstanceLock.h"
 #include "Platform/Qt/LocaleText.h"
 #include "Platform/Qt/RemoteControlClient.h"
-#include "Platform/Qt/RemoteControlService.h"
 #include "Platform/Qt/SilentQtMessages.h"
-#include "Platform/Qt/StderrLog.h"
 #include "VeylaApp.h"
 
-#include <QApplication>
 #include <QCoreApplication>
 #include <cstdio>
 #include <optional>
@@ -83,6 +79,5 @@ int main(int argc, char** argv) {
         return finish(*result);
     silence.reset();
 
-    print(stderr, QStringLiteral("This build of Veyla has no desktop to show masks on."));
-    return static_cast<int>(ExitStatus::nothingToActOn);
+    return finish(runVeyla(lock, argc, argv));
 }

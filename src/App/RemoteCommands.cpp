@@ -33,10 +33,10 @@ CommandResult RemoteCommands::perform(const QStringList& arguments) {
     const auto parsed = parseCommandLine(arguments);
     if (const auto* const error = std::get_if<UsageError>(&parsed))
         return {ExitStatus::wrongUsage, QString(), error->message};
-    return perform(std::get<CommandLine>(parsed));
+    return carryOut(std::get<CommandLine>(parsed));
 }
 
-CommandResult RemoteCommands::perform(const CommandLine& commandLine) {
+CommandResult RemoteCommands::carryOut(const CommandLine& commandLine) {
     switch (commandLine.command) {
         case Command::start:
             return showDashboard();

@@ -34,7 +34,7 @@ public:
     CommandResult perform(const QStringList& arguments);
 
 private:
-    CommandResult perform(const CommandLine& commandLine);
+    CommandResult carryOut(const CommandLine& commandLine);
     CommandResult showDashboard();
     CommandResult setAreMasksVisible(bool areVisible);
     CommandResult toggleDashboard();

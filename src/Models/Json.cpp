@@ -193,7 +193,7 @@ QJsonObject jsonObjectWithMembers(std::initializer_list<QLatin1StringView> keys)
 
 QJsonValue finiteJsonNumber(double number, const JsonPath& path, QLatin1StringView key) {
     if (!std::isfinite(number)) {
-        throw JsonError(JsonPath(path, key), u"%1 is not a finite number"_s.arg(number));
+        throw JsonError(JsonPath(path, key), u"%1 is not finite"_s.arg(number));
     }
     return number;
 }

@@ -5,6 +5,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <limits>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -21,6 +22,31 @@ WorkspaceSnapshot snapshotFromJson(const JsonObjectReader& reader) {
             .settings = reader.object("settings"_L1, AppSettings::fromJson)};
 }
 
+/// Qt reads an integer that it cannot hold as a double, and that as the nearest integer that it can
+/// hold: -9223372036854775809 becomes one that fits. Where that can happen, which is beyond the
+/// integers that every double holds exactly, a priority must be in the text digit for digit.
+void requireExactPriorities(const QList<MaskPreset>& presets, const QByteArray& text) {
+    constexpr qint64 firstInexact = qint64{1} << std::numeric_limits<double>::digits;
+    constexpr QByteArrayView numberCharacters = "0123456789.eE";
+    qsizetype position = 0;  // the presets are in the order of the text
+    for (qsizetype index = 0; index < presets.size(); ++index) {
+        const qint64 priority = presets.at(index).priority;
+        if (-firstInexact < priority && priority < firstInexact) continue;
+        const QByteArray digits = QByteArray::number(priority);
+        do {
+            position = text.indexOf(digits, position);
+            if (position < 0) {
+                const JsonPath root;
+                const JsonPath list(root, "presets"_L1);
+                const JsonPath preset(list, index);
+                throw JsonError(JsonPath(preset, "priority"_L1),
+                                u"expected a 64-bit integer in plain digits"_s);
+            }
+            position += digits.size();
+        } while (position < text.size() && numberCharacters.contains(text.at(position)));
+    }
+}
+
 }  // namespace
 
 WorkspaceSnapshot WorkspaceSnapshot::fromJsonText(const QByteArray& text) {
@@ -32,7 +58,9 @@ WorkspaceSnapshot WorkspaceSnapshot::fromJsonText(const QByteArray& text) {
     }
     const QJsonValue root =
         document.isObject() ? QJsonValue(document.object()) : QJsonValue(document.array());
-    return snapshotFromJson(JsonObjectReader(root, path));
+    WorkspaceSnapshot snapshot = snapshotFromJson(JsonObjectReader(root, path));
+    requireExactPriorities(snapshot.presets, text);
+    return snapshot;
 }
 
 QByteArray WorkspaceSnapshot::toJsonText() const {

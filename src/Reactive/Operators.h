@@ -79,7 +79,7 @@ Source<Values...> debounce(Source<Values...> source, std::chrono::milliseconds d
                 });
             });
             const auto held = std::make_shared<Subscription>(std::move(upstream));
-            return Subscription([held, pending]() {
+            return Subscription([held, pending] {
                 held->reset();
                 pending->timer.reset();
                 pending->values.reset();
@@ -102,9 +102,7 @@ Source<Values...> deliverOnNextTurn(Source<Values...> source, Scheduler& schedul
             });
         });
         const auto held = std::make_shared<Subscription>(std::move(upstream));
-        return Subscription([held, alive]() mutable {
-            held->reset();
-            alive.reset();
-        });
+        // The callback dies with the handle.
+        return Subscription([held, alive] { held->reset(); });
     });
 }

@@ -28,7 +28,6 @@ public:
 private:
     QString workspacePath() const;
     QString backupPath() const;
-    void backUpUnreadableWorkspace() const;
 
     QString m_directory;
     SystemLog& m_log;

@@ -6,6 +6,7 @@
 #include <QPainter>
 
 #include "Platform/X11/X11OverlaySurfaces.h"
+#include "Services/ScreenPlacement.h"
 
 namespace {
 

@@ -1,0 +1,43 @@
+#include "support/AppStateFixture.h"
+
+#include <QFile>
+
+AppStateFixture::AppStateFixture() {
+    desktop().screens.setScreens({{QStringLiteral("A"), {0, 0, 1280, 800}, {0, 0, 1280, 770}, 1},
+                                  {QStringLiteral("B"), {1280, 0, 1000, 600}, {1280, 0, 1000, 600}, 1}});
+    desktop().screens.setPointerLocation({640, 400});
+    restart();
+}
+
+void AppStateFixture::restart() {
+    m_state.reset();
+    m_state = std::make_unique<AppState>(
+        AppPlatform{desktop().mainLoop, desktop().screens, desktop().overlaySurfaces,
+                    desktop().announcer, m_log, m_folder.filePath(QStringLiteral("Veyla"))});
+}
+
+HeadlessSurface& AppStateFixture::surface(qsizetype index) {
+    return *desktop().overlaySurfaces.surfaceOf(masks().at(index).id);
+}
+
+void AppStateFixture::advance(int milliseconds) {
+    desktop().mainLoop.advanceBy(std::chrono::milliseconds(milliseconds));
+}
+
+QString AppStateFixture::workspacePath() const {
+    return m_folder.filePath(QStringLiteral("Veyla/workspace.json"));
+}
+
+QByteArray AppStateFixture::workspaceText() const {
+    QFile file(workspacePath());
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QUuid AppStateFixture::addMask(const QString& name, const Rect& frame) {
+    ScreenMask mask;
+    mask.id = QUuid::createUuid();
+    mask.name = name;
+    mask.frame = frame;
+    m_state->masks.update([&](QList<ScreenMask>& all) { all.append(mask); });
+    return mask.id;
+}

@@ -1,0 +1,174 @@
+#include "Services/OverlayManager.h"
+#include "Services/ScreenPlacement.h"
+#include "support/HeadlessHarness.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+ScreenMask maskAt(const Rect& frame) {
+    ScreenMask mask;
+    mask.id = QUuid::createUuid();
+    mask.name = QStringLiteral("M");
+    mask.frame = frame;
+    return mask;
+}
+
+}  // namespace
+
+TEST(ScreenPlacement, BringsRectanglesWhollyIntoOneScreen) {
+    const QList<Rect> two{{0, 0, 1000, 700}, {1000, 100, 500, 600}};
+    const struct {
+        const char* what;
+        Rect given, expected;
+    } cases[] = {
+        {"inside stays", {100, 100, 200, 100}, {100, 100, 200, 100}},
+        {"too small grows", {100, 100, 20, 10}, {100, 100, 60, 40}},
+        {"off the left", {-50, 300, 200, 100}, {0, 300, 200, 100}},
+        {"too large takes the screen", {-500, -500, 5000, 5000}, {0, 0, 1000, 700}},
+        {"straddling, centre on the second", {950, 50, 200, 200}, {1000, 100, 200, 200}},
+        {"straddling, centre on the first", {850, 50, 200, 200}, {800, 50, 200, 200}},
+        {"centre nowhere, more of the second", {900, -150, 600, 300}, {1000, 100, 500, 300}},
+        {"no overlap goes to the first", {5000, 5000, 100, 100}, {900, 600, 100, 100}},
+        {"the shared edge is the second's", {900, 200, 200, 100}, {1000, 200, 200, 100}},
+    };
+    for (const auto& each : cases) EXPECT_EQ(resolvedFrame(each.given, two), each.expected) << each.what;
+    EXPECT_EQ(resolvedFrame({1, 2, 3, 4}, {}), (Rect{1, 2, 3, 4})) << "no screens";
+    EXPECT_EQ(bestScreenFrame({0, 900, 10, 10}, two), two[0]);
+    EXPECT_FALSE(bestScreenFrame({0, 0, 10, 10}, {}).has_value());
+}
+
+class OverlayManagerTest : public testing::Test {
+protected:
+    OverlayManagerTest() {
+        harness.setScreens({{0, 0, 1000, 700}, {1000, 0, 500, 600}});
+    }
+
+    void sync(bool areVisible = true, bool isEditable = true,
+              const std::optional<QUuid>& selected = std::nullopt) {
+        manager.sync(
+            masks, areVisible, isEditable, selected,
+            [this](const QUuid& id, const MaskFrame& frame) {
+                ++reports;
+                for (ScreenMask& mask : masks)
+                    if (mask.id == id) mask.frame = frame;
+                sync();  // as the model does; must be dropped while a sync runs
+            },
+            [this](const QUuid& id) { clicked = id; });
+    }
+
+    HeadlessSurface& surface(int index) {
+        return *harness.desktop().overlaySurfaces.surfaceOf(masks[index].id);
+    }
+
+    HeadlessHarness harness;
+    OverlayManager manager{harness.mainLoop(), harness.screens(), harness.surfaces()};
+    QList<ScreenMask> masks;
+    std::optional<QUuid> clicked;
+    int reports = 0;
+};
+
+TEST_F(OverlayManagerTest, KeepsOneWindowPerMaskInListOrder) {
+    masks = {maskAt({0, 0, 100, 100}), maskAt({0, 0, 100, 100}), maskAt({0, 0, 100, 100})};
+    masks[1].isVisible = false;
+    sync();
+    EXPECT_EQ(harness.stack(), (std::vector<QUuid>{masks[0].id, masks[2].id}));
+    EXPECT_EQ(manager.activeOverlayCount.value(), 2);
+    const HeadlessSurface* const hidden = &surface(1);
+
+    masks[1].isVisible = true;
+    masks.swapItemsAt(0, 2);
+    sync();
+    EXPECT_EQ(harness.stack(), (std::vector<QUuid>{masks[0].id, masks[1].id, masks[2].id}));
+    EXPECT_EQ(&surface(1), hidden) << "hiding keeps the window";
+
+    const QUuid gone = masks.takeAt(1).id;
+    sync(false);
+    EXPECT_EQ(harness.desktop().overlaySurfaces.surfaceOf(gone), nullptr);
+    EXPECT_EQ(manager.windowFor(gone), nullptr);
+    EXPECT_TRUE(harness.stack().empty());
+    EXPECT_EQ(manager.activeOverlayCount.value(), 0);
+    EXPECT_EQ(harness.desktop().overlaySurfaces.allSurfaces().size(), 2U);
+    manager.focusMask(gone);
+    manager.focusMask(masks[0].id);
+    EXPECT_EQ(harness.stack(), std::vector<QUuid>{masks[0].id});
+}
+
+TEST_F(OverlayManagerTest, ReportsTheFramesThatItResolves) {
+    masks = {maskAt({10, 10, 20, 10}), maskAt({1450, 10, 100, 100}), maskAt({5, 5, 100, 100})};
+    sync();
+    EXPECT_EQ(masks[0].frame, (Rect{10, 10, 60, 40}));
+    EXPECT_EQ(masks[1].frame, (Rect{1400, 10, 100, 100}));
+    EXPECT_GE(reports, 2);
+    const int reported = std::exchange(reports, 0);
+    sync();
+    EXPECT_EQ(reports, 0) << "already in place, after " << reported;
+    // The model's frame is off, but its window already sits where that resolves to.
+    masks[1].frame.x = 1450;
+    sync();
+    EXPECT_EQ(reports, 0);
+}
+
+TEST_F(OverlayManagerTest, ASyncWithNothingChangedChangesNothing) {
+    for (int i = 0; i < 5; ++i) masks.append(maskAt({i * 100.0, 10, 100, 100}));
+    masks[3].isVisible = false;
+    sync(true, true, masks[2].id);
+    const int changes = harness.desktop().overlaySurfaces.changeCount();
+    sync(true, true, masks[2].id);
+    masks[0].name = QStringLiteral("only told, not painted");
+    EXPECT_EQ(harness.desktop().overlaySurfaces.changeCount(), changes);
+    const auto painted = surface(0).content();
+    sync(true, true, masks[2].id);
+    EXPECT_EQ(surface(0).content(), painted);
+    EXPECT_TRUE(surface(0).accessibleDescription().label.contains(masks[0].name));
+    masks[0].opacity = 0.5;
+    sync(true, true, masks[2].id);
+    EXPECT_NE(surface(0).content(), painted);
+}
+
+TEST_F(OverlayManagerTest, ShowsSelectionLockAndClickThrough) {
+    masks = {maskAt({0, 0, 100, 100}), maskAt({200, 0, 100, 100})};
+    masks[0].isClickThrough = true;
+    const auto selectedOnes = [&] {
+        return std::pair(manager.windowFor(masks[0].id)->contentView()->isSelected,
+                         manager.windowFor(masks[1].id)->contentView()->isSelected);
+    };
+    sync(true, true, masks[1].id);
+    EXPECT_EQ(selectedOnes(), std::pair(false, true));
+    EXPECT_TRUE(surface(1).accessibleDescription().isSelected);
+    EXPECT_TRUE(surface(0).ignoresMouseEvents());
+    EXPECT_FALSE(surface(1).ignoresMouseEvents());
+    sync(true, false, masks[1].id);
+    EXPECT_TRUE(surface(1).ignoresMouseEvents());
+    EXPECT_FALSE(manager.windowFor(masks[1].id)->contentView()->isEditingEnabled);
+
+    manager.setSelectedMask(masks[0].id);
+    EXPECT_EQ(selectedOnes(), std::pair(true, false));
+    manager.setSelectedMask(std::nullopt);
+    EXPECT_EQ(selectedOnes(), std::pair(false, false));
+}
+
+TEST_F(OverlayManagerTest, RepairsWindowsWhenScreensChange) {
+    masks = {maskAt({100, 100, 100, 100}), maskAt({1200, 300, 100, 100}), maskAt({900, 0, 100, 100})};
+    masks[2].isVisible = false;
+    sync();
+    reports = 0;
+    harness.setScreens({{0, 0, 800, 700}});
+    EXPECT_EQ(reports, 0) << "not in place, but in a task of its own";
+    harness.settle();
+    EXPECT_EQ(masks[0].frame, (Rect{100, 100, 100, 100}));
+    EXPECT_EQ(masks[1].frame, (Rect{700, 300, 100, 100}));
+    EXPECT_EQ(masks[2].frame, (Rect{700, 0, 100, 100})) << "hidden ones too";
+    EXPECT_EQ(surface(1).frame(), masks[1].frame);
+
+    // The primary screen goes; the other one, and the mask on it, stay where they are, but the
+    // global space now starts at the other's corner.
+    harness.setScreens({{0, 0, 1000, 700}, {1000, 0, 500, 600}});
+    masks[1].frame = {1200, 300, 100, 100};
+    sync();
+    harness.desktop().screens.setScreens(
+        {{QStringLiteral("B"), {0, 0, 500, 600}, {0, 0, 500, 600}, 1}});
+    harness.settle();
+    EXPECT_EQ(masks[1].frame, (Rect{200, 200, 100, 100}));
+    EXPECT_EQ(surface(1).frame(), masks[1].frame);
+}

@@ -1,0 +1,533 @@
+#include "Models/Json.h"
+#include "Models/WorkspaceSnapshot.h"
+#include "support/SampleWorkspace.h"
+
+#include <QJsonDocument>
+#include <QRegularExpression>
+#include <bit>
+#include <cmath>
+#include <functional>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+#include <type_traits>
+#include <variant>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+using PathStep = std::variant<QString, int>;
+using Path = QList<PathStep>;
+
+/// The value with what is at the path below it replaced; undefined removes a member.
+QJsonValue replaced(const QJsonValue& value, Path path, const QJsonValue& replacement) {
+    if (path.isEmpty()) return replacement;
+    const PathStep step = path.takeFirst();
+    if (const int* index = std::get_if<int>(&step)) {
+        QJsonArray array = value.toArray();
+        array[*index] = replaced(array.at(*index), path, replacement);
+        return array;
+    }
+    QJsonObject object = value.toObject();
+    const QString key = std::get<QString>(step);
+    object.insert(key, replaced(object.value(key), path, replacement));
+    return object;
+}
+
+QJsonValue valueAt(QJsonValue value, const Path& path) {
+    for (const PathStep& step : path) {
+        const int* index = std::get_if<int>(&step);
+        value = index != nullptr ? value.toArray().at(*index) : value[std::get<QString>(step)];
+    }
+    return value;
+}
+
+QJsonObject sampleDocument() {
+    return QJsonDocument::fromJson(sampleWorkspace().toJsonText()).object();
+}
+
+QByteArray sampleWith(const Path& path, const QJsonValue& replacement) {
+    return QJsonDocument(replaced(sampleDocument(), path, replacement).toObject()).toJson();
+}
+
+/// The sample with a value that stands in the text exactly as given.
+QByteArray sampleWithText(const Path& path, const QByteArray& valueText) {
+    return sampleWith(path, u"PLACE"_s).replace("\"PLACE\"", valueText);
+}
+
+/// What reading says, or nothing when it succeeds.
+std::string errorOfReading(const QByteArray& text) {
+    try {
+        WorkspaceSnapshot::fromJsonText(text);
+        return {};
+    } catch (const JsonError& error) {
+        return error.message().toStdString();
+    }
+}
+
+std::string errorOfWriting(const WorkspaceSnapshot& workspace) {
+    try {
+        workspace.toJsonText();
+        return {};
+    } catch (const JsonError& error) {
+        return error.message().toStdString();
+    }
+}
+
+const Path settingsPath{u"settings"_s};
+const Path maskPath{u"masks"_s, 1};
+const Path presetPath{u"presets"_s, 0};
+const Path bindingPath{u"settings"_s, u"hotkeyBindings"_s, u"toggleAll"_s};
+
+/// The members of one kind of object, separated by spaces.
+struct ObjectShape {
+    Path path;
+    QString pathText;
+    QString required;
+    QString optional;
+};
+
+const QList<ObjectShape> objectShapes{
+    {{},
+     u""_s,
+     u"masks presets areMasksVisible isEditingEnabled hasCompletedOnboarding settings"_s,
+     u"groups selectedMaskID"_s},
+    {maskPath, u"masks[1]."_s, u"id name frame opacity colorHex isVisible isClickThrough style"_s,
+     u"groupID"_s},
+    {maskPath + Path{u"frame"_s}, u"masks[1].frame."_s, u"x y width height"_s, {}},
+    {{u"groups"_s, 0}, u"groups[0]."_s, u"id name isExpanded isVisible isLocked"_s, {}},
+    {presetPath, u"presets[0]."_s, u"id name trigger masks autoApply priority"_s,
+     u"targetAppName targetBundleIdentifier"_s},
+    {presetPath + Path{u"masks"_s, 0, u"frame"_s},
+     u"presets[0].masks[0].frame."_s,
+     u"x y width height"_s,
+     {}},
+    {settingsPath, u"settings."_s,
+     u"defaultOpacity defaultColorHex defaultStyle defaultClickThrough showHelpOnLaunch "
+     u"menuBarOnlyMode showDashboardOnLaunch hotkeyBindings"_s,
+     u"lastSeenVersion autoShowMasksOnScreenShare"_s},
+    {bindingPath, u"settings.hotkeyBindings.toggleAll."_s, u"keyCode modifiers"_s, {}},
+};
+
+TEST(WorkspaceJson, InsistsOnEveryRequiredMemberAndOnEveryType) {
+    for (const ObjectShape& shape : objectShapes) {
+        const QStringList required = shape.required.split(u' ');
+        const QStringList optional = shape.optional.split(u' ', Qt::SkipEmptyParts);
+        QStringList keys = required + optional;
+        keys.sort();
+        EXPECT_EQ(valueAt(sampleDocument(), shape.path).toObject().keys(), keys)
+            << shape.pathText.toStdString();
+
+        for (const QString& key : keys) {
+            const Path path = shape.path + Path{key};
+            const std::string member = (shape.pathText + key).toStdString();
+            const bool isString = valueAt(sampleDocument(), path).isString();
+            const QJsonValue wrong = isString ? QJsonValue(7) : QJsonValue(u"7"_s);
+            const std::string found = isString ? "a number" : "a string";
+            const std::string wrongError = errorOfReading(sampleWith(path, wrong));
+            EXPECT_TRUE(wrongError.starts_with(member + ": expected ")) << wrongError;
+            EXPECT_TRUE(wrongError.ends_with(", found " + found)) << wrongError;
+
+            const std::string missing = errorOfReading(sampleWith(path, QJsonValue::Undefined));
+            const std::string null = errorOfReading(sampleWith(path, QJsonValue::Null));
+            if (required.contains(key)) {
+                EXPECT_EQ(missing, member + ": required member is missing");
+                EXPECT_TRUE(null.starts_with(member + ": expected ")) << null;
+                EXPECT_TRUE(null.ends_with(", found null")) << null;
+            } else {
+                EXPECT_EQ(missing, "") << member;
+                EXPECT_EQ(null, "") << member;
+            }
+        }
+    }
+}
+
+TEST(WorkspaceJson, LeavesAbsentMembersOutAndDropsUnknownOnes) {
+    WorkspaceSnapshot workspace = sampleWorkspace();
+    workspace.masks[1].groupID.reset();
+    workspace.selectedMaskID.reset();
+    workspace.groups.clear();
+    workspace.presets[0].targetAppName.reset();
+    workspace.presets[0].targetBundleIdentifier.reset();
+    workspace.settings.lastSeenVersion.reset();
+    workspace.settings.autoShowMasksOnScreenShare.reset();
+
+    QJsonValue document = sampleDocument();
+    const QList<Path> optionalPaths{maskPath + Path{u"groupID"_s},
+                                    presetPath + Path{u"targetAppName"_s},
+                                    presetPath + Path{u"targetBundleIdentifier"_s},
+                                    settingsPath + Path{u"lastSeenVersion"_s},
+                                    settingsPath + Path{u"autoShowMasksOnScreenShare"_s},
+                                    {u"selectedMaskID"_s}};
+    for (const Path& path : optionalPaths) {
+        document = replaced(document, path, QJsonValue::Undefined);
+    }
+    document = replaced(document, {u"groups"_s}, QJsonArray());
+    EXPECT_EQ(QJsonDocument::fromJson(workspace.toJsonText()).object(), document.toObject());
+
+    for (const Path& path : {Path{}, maskPath, presetPath, settingsPath, bindingPath}) {
+        document = replaced(document, path + Path{u"unknown"_s}, u"kept by nobody"_s);
+    }
+    const auto read = WorkspaceSnapshot::fromJsonText(QJsonDocument(document.toObject()).toJson());
+    EXPECT_EQ(read, workspace);
+    EXPECT_EQ(read.toJsonText(), workspace.toJsonText());
+}
+
+TEST(WorkspaceJson, DefaultSettingsHaveTheirValues) {
+    WorkspaceSnapshot workspace;
+    workspace.settings = AppSettings::defaults();
+    const QJsonValue settings =
+        QJsonDocument::fromJson(workspace.toJsonText()).object().value("settings"_L1);
+    const auto binding = [](int keyCode) {
+        return QJsonObject{{u"keyCode"_s, keyCode}, {u"modifiers"_s, 6400}};
+    };
+    const QJsonObject expected{
+        {u"defaultOpacity"_s, 0.86},
+        {u"defaultColorHex"_s, u"#101114"_s},
+        {u"defaultStyle"_s, u"blackout"_s},
+        {u"defaultClickThrough"_s, false},
+        {u"showHelpOnLaunch"_s, true},
+        {u"menuBarOnlyMode"_s, false},
+        {u"showDashboardOnLaunch"_s, true},
+        {u"hotkeyBindings"_s, QJsonObject{{u"createMask"_s, binding(45)},
+                                          {u"toggleAll"_s, binding(4)},
+                                          {u"toggleEditing"_s, binding(37)},
+                                          {u"toggleDashboard"_s, binding(1)}}},
+        {u"autoShowMasksOnScreenShare"_s, false}};
+    EXPECT_EQ(settings.toObject(), expected);
+}
+
+TEST(WorkspaceJson, RejectsValuesOutOfRange) {
+    const Path style = maskPath + Path{u"style"_s};
+    const Path uuid = presetPath + Path{u"id"_s};
+    const Path groupID = maskPath + Path{u"groupID"_s};
+    const Path keyCode = bindingPath + Path{u"keyCode"_s};
+    const Path modifiers = bindingPath + Path{u"modifiers"_s};
+    const Path priority = presetPath + Path{u"priority"_s};
+    const std::string keyRange =
+        "settings.hotkeyBindings.toggleAll.keyCode: expected an integer from 0 to 4294967295, "
+        "found ";
+    const std::string priorityRange =
+        "presets[0].priority: expected an integer from -9223372036854775808 to "
+        "9223372036854775807, found ";
+    const std::string roundedPriority =
+        "presets[0].priority: expected a 64-bit integer in plain digits";
+    const struct {
+        Path path;
+        QByteArray text;
+        std::string error;
+    } cases[]{
+        {style, "\"Blackout\"", "masks[1].style: unknown style \"Blackout\""},
+        {style, "\"soft tint\"", "masks[1].style: unknown style \"soft tint\""},
+        {style, "\"a\\nb\"", "masks[1].style: unknown style \"a\\nb\""},
+        {settingsPath + Path{u"defaultStyle"_s}, "\"\"",
+         "settings.defaultStyle: unknown style \"\""},
+        {uuid, "\"{aaaaaaaa-bbbb-cccc-dddd-eeeeeeeeeeee}\"",
+         "presets[0].id: expected a UUID, found \"{aaaaaaaa-bbbb-cccc-dddd-eeeeeeeeeeee}\""},
+        {uuid, "\"aaaaaaaabbbbccccddddeeeeeeeeeeee\"",
+         "presets[0].id: expected a UUID, found \"aaaaaaaabbbbccccddddeeeeeeeeeeee\""},
+        {uuid, "\"aaaaaaaa-bbbb-cccc-dddd-eeeeeeeeeee\"",
+         "presets[0].id: expected a UUID, found \"aaaaaaaa-bbbb-cccc-dddd-eeeeeeeeeee\""},
+        {groupID, "\"aaaaaaaa-bbbb-cccc-dddd-eeeeeeeeeeeg\"",
+         "masks[1].groupID: expected a UUID, found \"aaaaaaaa-bbbb-cccc-dddd-eeeeeeeeeeeg\""},
+        {groupID, "\"aaaaaaaa-bbbb-cccc-ddddeeeee-eeeeeee\"",
+         "masks[1].groupID: expected a UUID, found \"aaaaaaaa-bbbb-cccc-ddddeeeee-eeeeeee\""},
+        {groupID, "\"\"", "masks[1].groupID: expected a UUID, found \"\""},
+        {keyCode, "-1", keyRange + "-1"},
+        {keyCode, "4294967296", keyRange + "4294967296"},
+        {keyCode, "45.5", keyRange + "45.5"},
+        {priority, "0.5", priorityRange + "0.5"},
+        {priority, "9223372036854775808", priorityRange + "9223372036854776000"},
+        {priority, "1e300", priorityRange + "1e+300"},
+        {priority, "-9223372036854775809", roundedPriority},
+        {priority, "9007199254740993.0", roundedPriority},
+        {maskPath, "[]", "masks[1]: expected an object, found an array"},
+        {bindingPath, "null", "settings.hotkeyBindings.toggleAll: expected an object, found null"},
+        {{u"settings"_s, u"hotkeyBindings"_s, u"no action, kept"_s},
+         "1",
+         "settings.hotkeyBindings[\"no action, kept\"]: expected an object, found a number"},
+        // At the edges of what is accepted.
+        {uuid, "\"AAAAAAAA-bbbb-CCCC-dddd-EEEEEEEEEEEE\"", ""},
+        {uuid, "\"00000000-0000-0000-0000-000000000000\"", ""},
+        {keyCode, "4294967295", ""},
+        {modifiers, "0", ""},
+        {modifiers, "6400.0", ""},
+        {priority, "3.0", ""},
+        {priority, "9223372036854775807", ""},
+        {priority, "-9223372036854775808", ""},
+        {priority, "9007199254740993", ""},
+    };
+    for (const auto& [path, text, error] : cases) {
+        EXPECT_EQ(errorOfReading(sampleWithText(path, text)), error) << text.toStdString();
+    }
+}
+
+TEST(WorkspaceJson, TellsWhereTheTextIsNotJson) {
+    const struct {
+        QByteArray text;
+        std::string error;
+    } cases[]{{"", "document: illegal value at byte offset "},
+              {"{\"masks\": [", "document: "},
+              {"{\"masks\": tru}", "document: illegal value at byte offset 11"},
+              {"{} x", "document: garbage at the end of the document at byte offset "},
+              {"{\"a\": \"\xff\xfe\"}", "document: invalid UTF8 string at byte offset "},
+              {QByteArray(10000, '['), "document: too deeply nested document at byte offset "},
+              {"[]", "document: expected an object, found an array"}};
+    for (const auto& [text, error] : cases) {
+        const std::string actual = errorOfReading(text);
+        EXPECT_TRUE(actual.starts_with(error)) << actual;
+    }
+}
+
+TEST(WorkspaceJson, RefusesToWriteNumbersThatAreNotFinite) {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+    const struct {
+        std::function<void(WorkspaceSnapshot&)> spoil;
+        std::string error;
+    } cases[]{
+        {[](auto& it) { it.masks[1].opacity = notANumber; }, "masks[1].opacity: nan is not finite"},
+        {[](auto& it) { it.masks[0].frame.x = infinity; }, "masks[0].frame.x: inf is not finite"},
+        {[](auto& it) { it.masks[0].frame.y = notANumber; }, "masks[0].frame.y: nan is not finite"},
+        {[](auto& it) { it.presets[0].masks[0].frame.width = -infinity; },
+         "presets[0].masks[0].frame.width: -inf is not finite"},
+        {[](auto& it) { it.masks[1].frame.height = infinity; },
+         "masks[1].frame.height: inf is not finite"},
+        {[](auto& it) { it.settings.defaultOpacity = notANumber; },
+         "settings.defaultOpacity: nan is not finite"}};
+    for (const auto& [spoil, error] : cases) {
+        WorkspaceSnapshot workspace = sampleWorkspace();
+        spoil(workspace);
+        EXPECT_EQ(errorOfWriting(workspace), error);
+    }
+}
+
+/// Values of every field drawn at random, the awkward ones often.
+class RandomWorkspace {
+public:
+    explicit RandomWorkspace(std::uint64_t seed) : m_random(seed) {}
+
+    WorkspaceSnapshot snapshot() {
+        WorkspaceSnapshot workspace;
+        workspace.masks = list([this] { return mask(); });
+        workspace.presets = list([this] { return preset(); });
+        workspace.groups = list([this] {
+            return MaskGroup{.id = uuid(),
+                             .name = text(),
+                             .isExpanded = flag(),
+                             .isVisible = flag(),
+                             .isLocked = flag()};
+        });
+        workspace.selectedMaskID = optional(uuid());
+        workspace.areMasksVisible = flag();
+        workspace.isEditingEnabled = flag();
+        workspace.hasCompletedOnboarding = flag();
+        workspace.settings = settings();
+        return workspace;
+    }
+
+private:
+    int below(int limit) { return std::uniform_int_distribution(0, limit - 1)(m_random); }
+    bool flag() { return below(2) == 0; }
+    quint64 bits() { return m_random(); }
+
+    template <typename Make>
+    QList<std::invoke_result_t<Make>> list(Make make) {
+        QList<std::invoke_result_t<Make>> values;
+        for (int left = below(5); left > 0; --left)
+            values.append(make());
+        return values;
+    }
+
+    template <typename Value>
+    std::optional<Value> optional(const Value& value) {
+        return flag() ? std::optional(value) : std::nullopt;
+    }
+
+    QUuid uuid() {
+        const quint64 halves[]{bits(), bits()};
+        return QUuid::fromRfc4122(QByteArrayView(reinterpret_cast<const char*>(halves), 16));
+    }
+
+    double number() {
+        static constexpr double awkward[]{0.1,
+                                          -0.0,
+                                          0.86,
+                                          1e-300,
+                                          5e-324,
+                                          1.7976931348623157e308,
+                                          9007199254740993.0,
+                                          9223372036854775808.0,
+                                          1e21,
+                                          -320};
+        if (flag()) return awkward[below(std::size(awkward))];
+        const auto any = std::bit_cast<double>(bits());
+        return std::isfinite(any) ? any : 0.5;
+    }
+
+    QString text() {
+        static const QStringList pieces{u"a"_s,      u"\""_s,     u"\\"_s,          u"/"_s,
+                                        u"\n"_s,     u"ü"_s,      u"🙈"_s,           u"\u2028"_s,
+                                        u"\u0001"_s, u"\x7f"_s,   u"\t"_s,          u"語"_s,
+                                        u"'"_s,      u"\uFFFF"_s, QString(QChar(0))};
+        return list([this] { return pieces.at(below(static_cast<int>(pieces.size()))); })
+            .join(QString());
+    }
+
+    ScreenMask::Style style() { return ScreenMask::allStyles.at(static_cast<unsigned>(below(3))); }
+
+    ScreenMask mask() {
+        return {.id = uuid(),
+                .name = text(),
+                .frame = {.x = number(), .y = number(), .width = number(), .height = number()},
+                .opacity = number(),
+                .colorHex = text(),
+                .isVisible = flag(),
+                .isClickThrough = flag(),
+                .style = style(),
+                .groupID = optional(uuid())};
+    }
+
+    MaskPreset preset() {
+        return {.id = uuid(),
+                .name = text(),
+                .trigger = text(),
+                .masks = list([this] { return mask(); }),
+                .autoApply = flag(),
+                .targetAppName = optional(text()),
+                .targetBundleIdentifier = optional(text()),
+                .priority = static_cast<qint64>(bits() >> below(64))};
+    }
+
+    AppSettings settings() {
+        AppSettings settings;
+        settings.defaultOpacity = number();
+        settings.defaultColorHex = text();
+        settings.defaultStyle = style();
+        settings.defaultClickThrough = flag();
+        settings.showHelpOnLaunch = flag();
+        settings.menuBarOnlyMode = flag();
+        settings.showDashboardOnLaunch = flag();
+        for (int left = below(4); left > 0; --left) {
+            settings.hotkeyBindings.insert(text(), {.keyCode = static_cast<quint32>(bits()),
+                                                    .modifiers = static_cast<quint32>(bits())});
+        }
+        settings.lastSeenVersion = optional(text());
+        settings.autoShowMasksOnScreenShare = optional(flag());
+        return settings;
+    }
+
+    std::mt19937_64 m_random;
+};
+
+TEST(WorkspaceJson, ReadsBackExactlyWhatWasWritten) {
+    RandomWorkspace random(20240229);
+    for (int round = 0; round < 300; ++round) {
+        const WorkspaceSnapshot workspace = random.snapshot();
+        const QByteArray text = workspace.toJsonText();
+        const WorkspaceSnapshot read = WorkspaceSnapshot::fromJsonText(text);
+        ASSERT_EQ(read, workspace) << text.toStdString();
+        ASSERT_EQ(read.toJsonText(), text);
+        for (qsizetype index = 0; index < workspace.presets.size(); ++index) {
+            ASSERT_EQ(qHash(read.presets.at(index)), qHash(workspace.presets.at(index)));
+        }
+        ASSERT_EQ(qHash(read.settings), qHash(workspace.settings));
+    }
+}
+
+TEST(WorkspaceJson, IsIndentedWithSortedKeysAndUpperCaseIdentifiers) {
+    const QString text = QString::fromUtf8(sampleWorkspace().toJsonText());
+    const QRegularExpression member(u"^( *)\"((?:[^\"\\\\]|\\\\.)*)\":"_s);
+    QMap<qsizetype, QString> lastKeys;  // by indentation
+    for (const QString& line : text.split(u'\n')) {
+        const QRegularExpressionMatch match = member.match(line);
+        const qsizetype indentation = line.indexOf(QRegularExpression(u"[^ ]"_s));
+        if (!match.hasMatch()) {
+            // A bracket: what was deeper is over.
+            lastKeys.erase(lastKeys.upperBound(indentation), lastKeys.end());
+            continue;
+        }
+        EXPECT_GT(indentation, 0);
+        EXPECT_LT(lastKeys.value(indentation), match.captured(2)) << line.toStdString();
+        lastKeys.insert(indentation, match.captured(2));
+    }
+    EXPECT_TRUE(text.contains("\"6F9619FF-8B86-D011-B42D-00CF4FC964FF\""_L1));
+    EXPECT_TRUE(text.contains("\"00000000-0000-0000-0000-0000000000AB\""_L1));
+}
+
+/// A change of any one field makes a record unequal and, but for chance, gives another hash.
+template <typename Record>
+void expectEveryChangeCounts(const Record& record,
+                             const QList<std::function<void(Record&)>>& changes) {
+    for (qsizetype index = 0; index < changes.size(); ++index) {
+        Record changed = record;
+        EXPECT_EQ(changed, record);
+        EXPECT_EQ(qHash(changed), qHash(record));
+        changes.at(index)(changed);
+        EXPECT_NE(changed, record) << "change " << index;
+        EXPECT_NE(qHash(changed), qHash(record)) << "change " << index;
+    }
+}
+
+TEST(Records, CompareAndHashOverAllFields) {
+    const WorkspaceSnapshot sample = sampleWorkspace();
+    const QUuid otherId(u"99999999-9999-9999-9999-999999999999"_s);
+    expectEveryChangeCounts<ScreenMask>(
+        sample.masks[0],
+        {[&](auto& it) { it.id = otherId; }, [](auto& it) { it.name += u'x'; },
+         [](auto& it) { it.frame.x = std::nextafter(it.frame.x, 0); },
+         [](auto& it) { it.frame.y += 1; }, [](auto& it) { it.frame.width += 1; },
+         [](auto& it) { it.frame.height += 1; }, [](auto& it) { it.opacity = 0.5; },
+         [](auto& it) { it.colorHex = u"#101115"_s; }, [](auto& it) { it.isVisible ^= true; },
+         [](auto& it) { it.isClickThrough ^= true; },
+         [](auto& it) { it.style = ScreenMask::Style::frosted; },
+         [&](auto& it) { it.groupID = otherId; }, [](auto& it) { it.groupID = QUuid(); }});
+    expectEveryChangeCounts<MaskGroup>(
+        sample.groups[0],
+        {[&](auto& it) { it.id = otherId; }, [](auto& it) { it.name += u'x'; },
+         [](auto& it) { it.isExpanded ^= true; }, [](auto& it) { it.isVisible ^= true; },
+         [](auto& it) { it.isLocked ^= true; }});
+    expectEveryChangeCounts<MaskPreset>(
+        sample.presets[0],
+        {[&](auto& it) { it.id = otherId; }, [](auto& it) { it.name += u'x'; },
+         [](auto& it) { it.trigger += u'x'; }, [](auto& it) { it.masks[0].opacity = 0.5; },
+         [](auto& it) { it.masks.clear(); }, [](auto& it) { it.autoApply ^= true; },
+         [](auto& it) { it.targetAppName.reset(); }, [](auto& it) { it.targetAppName = u""_s; },
+         [](auto& it) { it.targetBundleIdentifier.reset(); }, [](auto& it) { it.priority += 1; }});
+    expectEveryChangeCounts<AppSettings>(
+        sample.settings,
+        {[](auto& it) { it.defaultOpacity = 0.5; }, [](auto& it) { it.defaultColorHex += u'x'; },
+         [](auto& it) { it.defaultStyle = ScreenMask::Style::blackout; },
+         [](auto& it) { it.defaultClickThrough ^= true; },
+         [](auto& it) { it.showHelpOnLaunch ^= true; },
+         [](auto& it) { it.menuBarOnlyMode ^= true; },
+         [](auto& it) { it.showDashboardOnLaunch ^= true; },
+         [](auto& it) { it.hotkeyBindings.remove(u"toggleAll"_s); },
+         [](auto& it) { it.hotkeyBindings[u"toggleAll"_s].keyCode += 1; },
+         [](auto& it) { it.hotkeyBindings[u"toggleAll"_s].modifiers += 1; },
+         [](auto& it) { it.lastSeenVersion.reset(); },
+         [](auto& it) { it.autoShowMasksOnScreenShare.reset(); },
+         [](auto& it) { it.autoShowMasksOnScreenShare = true; }});
+}
+
+TEST(Records, StylesAndPresetsHaveTheirTexts) {
+    const QStringList displayNames{u"Blackout"_s, u"Frosted"_s, u"Soft Tint"_s};
+    const QStringList storedTexts{u"blackout"_s, u"frosted"_s, u"softTint"_s};
+    for (qsizetype index = 0; index < storedTexts.size(); ++index) {
+        const auto style = ScreenMask::allStyles.at(static_cast<std::size_t>(index));
+        EXPECT_EQ(ScreenMask::styleFromStoredText(storedTexts[index]), style);
+        EXPECT_EQ(ScreenMask::storedText(style), storedTexts[index]);
+        EXPECT_EQ(ScreenMask::displayName(style), displayNames[index]);
+    }
+
+    MaskPreset preset = sampleWorkspace().presets[0];
+    EXPECT_EQ(preset.activationSummary(), u"Auto for Präsentation • P-3"_s);
+    preset.targetAppName.reset();
+    EXPECT_EQ(preset.activationSummary(), u"Manual"_s);
+    preset.targetAppName = u"Präsentation"_s;
+    preset.autoApply = false;
+    EXPECT_EQ(preset.activationSummary(), u"Manual"_s);
+}
+
+}  // namespace
