@@ -22,6 +22,12 @@ void prepareToolkit() {
     QGuiApplication::setQuitOnLastWindowClosed(false);
 }
 
+// The toolkit aborts where there is no display, so this is asked first.
+bool hasDisplay(int argc, char** argv, QString* error) {
+    const QCoreApplication application(argc, argv);
+    return XcbConnection::open(error) != nullptr;
+}
+
 CommandResult noDisplay(const QString& reason) {
     return {ExitStatus::nothingToActOn, QString(),
             QStringLiteral("Veyla finds no display to show masks on: ") + reason};
@@ -43,9 +49,8 @@ int VeylaApp::run() {
 }
 
 CommandResult runVeyla(InstanceLock& lock, int argc, char** argv) {
-    // Asked first, because the toolkit aborts where there is no display.
     QString error;
-    if (!XcbConnection::open(&error)) return noDisplay(error);
+    if (!hasDisplay(argc, argv, &error)) return noDisplay(error);
 
     prepareToolkit();
     const QApplication application(argc, argv);

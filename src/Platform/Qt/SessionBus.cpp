@@ -25,8 +25,13 @@ QDBusConnection connect(const QString& name) {
 
 SessionBus::SessionBus(const QString& name) : m_connection(connect(name)) {}
 
+// Qt closes connections in a thread of its own and does not wait. Were a message to come just then,
+// with the process ending, that thread would find Qt's static data gone and complain. It answers
+// requests in order, so once it has failed to connect to nothing, the connection is closed.
 SessionBus::~SessionBus() {
     const QString name = m_connection.name();
     m_connection = QDBusConnection(QString());
+    QDBusConnection::disconnectFromBus(name);
+    QDBusConnection::connectToBus(QStringLiteral("unix:path=/"), name);
     QDBusConnection::disconnectFromBus(name);
 }
