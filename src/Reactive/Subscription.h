@@ -49,10 +49,9 @@ public:
     void keep(Subscription subscription) { m_subscriptions.push_back(std::move(subscription)); }
 
     void clear() {
-        while (!m_subscriptions.empty()) {
-            const Subscription last = std::move(m_subscriptions.back());
-            m_subscriptions.pop_back();
-        }
+        // Taken out first: letting go may end the owner of this bag.
+        auto subscriptions = std::exchange(m_subscriptions, {});
+        while (!subscriptions.empty()) subscriptions.pop_back();
     }
 
 private:

@@ -113,17 +113,21 @@ void paintBadge(PixelCanvas& canvas, const QRect& stack, const HandleLayout& han
     const QFontMetricsF metrics(font);
     const int textWidth = qCeil(metrics.horizontalAdvance(text));
     const int textHeight = qCeil(metrics.height());
-    const QPoint corner = stack.topLeft() + QPoint(1, 1) * canvas.pixels(badgeInset);
     const int paddingX = canvas.pixels(badgePaddingX);
     const int paddingY = canvas.pixels(badgePaddingY);
+    const int height = textHeight + 2 * paddingY;
     const int gap = canvas.pixels(handleGap);
+    // A mask too low for the inset below the badge as well has the badge at mid-height.
+    const int inset = canvas.pixels(badgeInset);
+    const QPoint corner =
+        stack.topLeft() + QPoint(inset, std::min(inset, (stack.height() - height) / 2));
 
     // A handle lies above the badge's left end: the text starts where the handle leaves it legible.
     // Where even that cannot be had, outline and glow tell the selection alone.
     const int textLeft = std::max(corner.x() + paddingX, handles.left + handles.side + gap);
     if (textLeft + textWidth + gap > handles.right) return;
     const QRect capsule(corner.x(), corner.y(), textLeft + textWidth + paddingX - corner.x(),
-                        textHeight + 2 * paddingY);
+                        height);
     if (!stack.contains(capsule)) return;
 
     QPainter& painter = canvas.painter();

@@ -41,7 +41,9 @@ TEST(ScreenPlacement, BringsRectanglesWhollyIntoOneScreen) {
 class OverlayManagerTest : public testing::Test {
 protected:
     OverlayManagerTest() {
-        harness.setScreens({{0, 0, 1000, 700}, {1000, 0, 500, 600}});
+        harness.desktop().screens.setScreens(
+            {{QStringLiteral("A"), {0, 0, 1000, 700}, {0, 0, 1000, 700}, 1},
+             {QStringLiteral("B"), {1000, 0, 500, 600}, {1000, 0, 500, 600}, 1}});
     }
 
     void sync(bool areVisible = true, bool isEditable = true,

@@ -71,31 +71,6 @@ TEST(OverlayMaskView, TellsTheOpacityInWholePercentTowardZero) {
     }
 }
 
-TEST(OverlayMaskView, FillsWithTheMasksColourOrThatOfItsStyle) {
-    using Style = ScreenMask::Style;
-    struct Case {
-        Style style;
-        QString colorHex;
-        Color fill;
-    };
-    const Color parsed{1, 0x80 / 255.0, 0, 1};
-    const Case cases[] = {
-        {Style::blackout, QStringLiteral("#FF8000"), parsed},
-        {Style::frosted, QStringLiteral("ff8000"), parsed.withOpacity(0.45)},
-        {Style::softTint, QStringLiteral(" #fF8000 "), parsed.withOpacity(0.72)},
-        {Style::blackout, QString(), {0, 0, 0, 1}},
-        {Style::frosted, QStringLiteral("#F80"), {0, 0x7A / 255.0, 1, 0.45}},
-        {Style::softTint,
-         QStringLiteral("violet"),
-         {0x58 / 255.0, 0x56 / 255.0, 0xD6 / 255.0, 0.72}},
-    };
-    for (const Case& each : cases) {
-        OverlayMaskView view = maskNamed({}, each.style, 0.5);
-        view.mask.colorHex = each.colorHex;
-        EXPECT_EQ(view.fillColor(), each.fill) << each.colorHex.toStdString();
-    }
-}
-
 TEST(OverlayMaskView, PaintsLikeAnotherUnlessSomethingVisibleDiffers) {
     const OverlayMaskView view = maskNamed(QStringLiteral("A"), ScreenMask::Style::frosted, 0.5);
     const auto changed = [&view](auto change) {

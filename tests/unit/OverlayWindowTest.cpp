@@ -9,7 +9,12 @@
 class OverlayWindowTest : public testing::Test, protected OverlayWindowDelegate {
 protected:
     OverlayWindowTest() {
-        harness.setScreens({{0, 0, 1000, 700}, {1000, 0, 500, 600}});
+        harness.desktop().screens.setScreens(
+            {{QStringLiteral("A"), {0, 0, 1000, 700}, {0, 0, 1000, 700}, 1},
+             {QStringLiteral("B"), {1000, 0, 500, 600}, {1000, 0, 500, 600}, 1}});
+        // The window followed its screen's top-left corner.
+        window.setFrame({300, 300, 200, 100});
+        moves = 0;
         window.onMaskSelected = [this] { ++selections; };
         window.orderFront();
     }
@@ -112,8 +117,8 @@ TEST_F(OverlayWindowTest, SnapsToTheEdgesAndCentreLinesOfItsScreen) {
 }
 
 TEST_F(OverlayWindowTest, MovesWithThePointerAndShowsGuides) {
-    dragFrom({100, 50}, {50, 20});
-    EXPECT_EQ(window.frame(), (Rect{350, 320, 200, 100}));
+    dragFrom({100, 50}, {50, 60});
+    EXPECT_EQ(window.frame(), (Rect{350, 360, 200, 100}));
     EXPECT_EQ(selections, 1);
     EXPECT_EQ(moves, 1);
     EXPECT_EQ(resizes, 0);
@@ -122,8 +127,8 @@ TEST_F(OverlayWindowTest, MovesWithThePointerAndShowsGuides) {
     mouse().moveMouse({105, 55});
     EXPECT_EQ(window.frame(), (Rect{0, 0, 200, 100})) << "snapped on both axes";
     EXPECT_EQ(shownGuides(), (QList<GuideLine>{GuideLine::vertical(0), GuideLine::horizontal(0)}));
-    mouse().moveMouse({1205, 655});
-    EXPECT_EQ(window.frame(), (Rect{1105, 605, 200, 100})) << "not clamped by the window itself";
+    mouse().moveMouse({1205, 665});
+    EXPECT_EQ(window.frame(), (Rect{1105, 615, 200, 100})) << "not clamped by the window itself";
     EXPECT_TRUE(shownGuides().isEmpty());
     mouse().moveMouse({1105, 405});
     EXPECT_EQ(shownGuides(), (QList<GuideLine>{GuideLine::vertical(0)})) << "on its own screen";

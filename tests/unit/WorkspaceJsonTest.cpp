@@ -1,16 +1,13 @@
 #include "Models/Json.h"
 #include "Models/WorkspaceSnapshot.h"
+#include "support/RandomWorkspace.h"
 #include "support/SampleWorkspace.h"
 
 #include <QJsonDocument>
 #include <QRegularExpression>
-#include <bit>
-#include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
 #include <limits>
-#include <random>
-#include <type_traits>
 #include <variant>
 
 using namespace Qt::Literals::StringLiterals;
@@ -56,23 +53,19 @@ QByteArray sampleWithText(const Path& path, const QByteArray& valueText) {
     return sampleWith(path, u"PLACE"_s).replace("\"PLACE\"", valueText);
 }
 
-/// What reading says, or nothing when it succeeds.
-std::string errorOfReading(const QByteArray& text) {
+/// What the operation says, or nothing when it succeeds.
+template <typename Operation>
+std::string errorOf(Operation operation) {
     try {
-        WorkspaceSnapshot::fromJsonText(text);
+        operation();
         return {};
     } catch (const JsonError& error) {
         return error.message().toStdString();
     }
 }
 
-std::string errorOfWriting(const WorkspaceSnapshot& workspace) {
-    try {
-        workspace.toJsonText();
-        return {};
-    } catch (const JsonError& error) {
-        return error.message().toStdString();
-    }
+std::string errorOfReading(const QByteArray& text) {
+    return errorOf([&text] { WorkspaceSnapshot::fromJsonText(text); });
 }
 
 const Path settingsPath{u"settings"_s};
@@ -299,127 +292,9 @@ TEST(WorkspaceJson, RefusesToWriteNumbersThatAreNotFinite) {
     for (const auto& [spoil, error] : cases) {
         WorkspaceSnapshot workspace = sampleWorkspace();
         spoil(workspace);
-        EXPECT_EQ(errorOfWriting(workspace), error);
+        EXPECT_EQ(errorOf([&workspace] { workspace.toJsonText(); }), error);
     }
 }
-
-/// Values of every field drawn at random, the awkward ones often.
-class RandomWorkspace {
-public:
-    explicit RandomWorkspace(std::uint64_t seed) : m_random(seed) {}
-
-    WorkspaceSnapshot snapshot() {
-        WorkspaceSnapshot workspace;
-        workspace.masks = list([this] { return mask(); });
-        workspace.presets = list([this] { return preset(); });
-        workspace.groups = list([this] {
-            return MaskGroup{.id = uuid(),
-                             .name = text(),
-                             .isExpanded = flag(),
-                             .isVisible = flag(),
-                             .isLocked = flag()};
-        });
-        workspace.selectedMaskID = optional(uuid());
-        workspace.areMasksVisible = flag();
-        workspace.isEditingEnabled = flag();
-        workspace.hasCompletedOnboarding = flag();
-        workspace.settings = settings();
-        return workspace;
-    }
-
-private:
-    int below(int limit) { return std::uniform_int_distribution(0, limit - 1)(m_random); }
-    bool flag() { return below(2) == 0; }
-    quint64 bits() { return m_random(); }
-
-    template <typename Make>
-    QList<std::invoke_result_t<Make>> list(Make make) {
-        QList<std::invoke_result_t<Make>> values;
-        for (int left = below(5); left > 0; --left)
-            values.append(make());
-        return values;
-    }
-
-    template <typename Value>
-    std::optional<Value> optional(const Value& value) {
-        return flag() ? std::optional(value) : std::nullopt;
-    }
-
-    QUuid uuid() {
-        const quint64 halves[]{bits(), bits()};
-        return QUuid::fromRfc4122(QByteArrayView(reinterpret_cast<const char*>(halves), 16));
-    }
-
-    double number() {
-        static constexpr double awkward[]{0.1,
-                                          -0.0,
-                                          0.86,
-                                          1e-300,
-                                          5e-324,
-                                          1.7976931348623157e308,
-                                          9007199254740993.0,
-                                          9223372036854775808.0,
-                                          1e21,
-                                          -320};
-        if (flag()) return awkward[below(std::size(awkward))];
-        const auto any = std::bit_cast<double>(bits());
-        return std::isfinite(any) ? any : 0.5;
-    }
-
-    QString text() {
-        static const QStringList pieces{u"a"_s,      u"\""_s,     u"\\"_s,          u"/"_s,
-                                        u"\n"_s,     u"ü"_s,      u"🙈"_s,           u"\u2028"_s,
-                                        u"\u0001"_s, u"\x7f"_s,   u"\t"_s,          u"語"_s,
-                                        u"'"_s,      u"\uFFFF"_s, QString(QChar(0))};
-        return list([this] { return pieces.at(below(static_cast<int>(pieces.size()))); })
-            .join(QString());
-    }
-
-    ScreenMask::Style style() { return ScreenMask::allStyles.at(static_cast<unsigned>(below(3))); }
-
-    ScreenMask mask() {
-        return {.id = uuid(),
-                .name = text(),
-                .frame = {.x = number(), .y = number(), .width = number(), .height = number()},
-                .opacity = number(),
-                .colorHex = text(),
-                .isVisible = flag(),
-                .isClickThrough = flag(),
-                .style = style(),
-                .groupID = optional(uuid())};
-    }
-
-    MaskPreset preset() {
-        return {.id = uuid(),
-                .name = text(),
-                .trigger = text(),
-                .masks = list([this] { return mask(); }),
-                .autoApply = flag(),
-                .targetAppName = optional(text()),
-                .targetBundleIdentifier = optional(text()),
-                .priority = static_cast<qint64>(bits() >> below(64))};
-    }
-
-    AppSettings settings() {
-        AppSettings settings;
-        settings.defaultOpacity = number();
-        settings.defaultColorHex = text();
-        settings.defaultStyle = style();
-        settings.defaultClickThrough = flag();
-        settings.showHelpOnLaunch = flag();
-        settings.menuBarOnlyMode = flag();
-        settings.showDashboardOnLaunch = flag();
-        for (int left = below(4); left > 0; --left) {
-            settings.hotkeyBindings.insert(text(), {.keyCode = static_cast<quint32>(bits()),
-                                                    .modifiers = static_cast<quint32>(bits())});
-        }
-        settings.lastSeenVersion = optional(text());
-        settings.autoShowMasksOnScreenShare = optional(flag());
-        return settings;
-    }
-
-    std::mt19937_64 m_random;
-};
 
 TEST(WorkspaceJson, ReadsBackExactlyWhatWasWritten) {
     RandomWorkspace random(20240229);
@@ -454,80 +329,6 @@ TEST(WorkspaceJson, IsIndentedWithSortedKeysAndUpperCaseIdentifiers) {
     }
     EXPECT_TRUE(text.contains("\"6F9619FF-8B86-D011-B42D-00CF4FC964FF\""_L1));
     EXPECT_TRUE(text.contains("\"00000000-0000-0000-0000-0000000000AB\""_L1));
-}
-
-/// A change of any one field makes a record unequal and, but for chance, gives another hash.
-template <typename Record>
-void expectEveryChangeCounts(const Record& record,
-                             const QList<std::function<void(Record&)>>& changes) {
-    for (qsizetype index = 0; index < changes.size(); ++index) {
-        Record changed = record;
-        EXPECT_EQ(changed, record);
-        EXPECT_EQ(qHash(changed), qHash(record));
-        changes.at(index)(changed);
-        EXPECT_NE(changed, record) << "change " << index;
-        EXPECT_NE(qHash(changed), qHash(record)) << "change " << index;
-    }
-}
-
-TEST(Records, CompareAndHashOverAllFields) {
-    const WorkspaceSnapshot sample = sampleWorkspace();
-    const QUuid otherId(u"99999999-9999-9999-9999-999999999999"_s);
-    expectEveryChangeCounts<ScreenMask>(
-        sample.masks[0],
-        {[&](auto& it) { it.id = otherId; }, [](auto& it) { it.name += u'x'; },
-         [](auto& it) { it.frame.x = std::nextafter(it.frame.x, 0); },
-         [](auto& it) { it.frame.y += 1; }, [](auto& it) { it.frame.width += 1; },
-         [](auto& it) { it.frame.height += 1; }, [](auto& it) { it.opacity = 0.5; },
-         [](auto& it) { it.colorHex = u"#101115"_s; }, [](auto& it) { it.isVisible ^= true; },
-         [](auto& it) { it.isClickThrough ^= true; },
-         [](auto& it) { it.style = ScreenMask::Style::frosted; },
-         [&](auto& it) { it.groupID = otherId; }, [](auto& it) { it.groupID = QUuid(); }});
-    expectEveryChangeCounts<MaskGroup>(
-        sample.groups[0],
-        {[&](auto& it) { it.id = otherId; }, [](auto& it) { it.name += u'x'; },
-         [](auto& it) { it.isExpanded ^= true; }, [](auto& it) { it.isVisible ^= true; },
-         [](auto& it) { it.isLocked ^= true; }});
-    expectEveryChangeCounts<MaskPreset>(
-        sample.presets[0],
-        {[&](auto& it) { it.id = otherId; }, [](auto& it) { it.name += u'x'; },
-         [](auto& it) { it.trigger += u'x'; }, [](auto& it) { it.masks[0].opacity = 0.5; },
-         [](auto& it) { it.masks.clear(); }, [](auto& it) { it.autoApply ^= true; },
-         [](auto& it) { it.targetAppName.reset(); }, [](auto& it) { it.targetAppName = u""_s; },
-         [](auto& it) { it.targetBundleIdentifier.reset(); }, [](auto& it) { it.priority += 1; }});
-    expectEveryChangeCounts<AppSettings>(
-        sample.settings,
-        {[](auto& it) { it.defaultOpacity = 0.5; }, [](auto& it) { it.defaultColorHex += u'x'; },
-         [](auto& it) { it.defaultStyle = ScreenMask::Style::blackout; },
-         [](auto& it) { it.defaultClickThrough ^= true; },
-         [](auto& it) { it.showHelpOnLaunch ^= true; },
-         [](auto& it) { it.menuBarOnlyMode ^= true; },
-         [](auto& it) { it.showDashboardOnLaunch ^= true; },
-         [](auto& it) { it.hotkeyBindings.remove(u"toggleAll"_s); },
-         [](auto& it) { it.hotkeyBindings[u"toggleAll"_s].keyCode += 1; },
-         [](auto& it) { it.hotkeyBindings[u"toggleAll"_s].modifiers += 1; },
-         [](auto& it) { it.lastSeenVersion.reset(); },
-         [](auto& it) { it.autoShowMasksOnScreenShare.reset(); },
-         [](auto& it) { it.autoShowMasksOnScreenShare = true; }});
-}
-
-TEST(Records, StylesAndPresetsHaveTheirTexts) {
-    const QStringList displayNames{u"Blackout"_s, u"Frosted"_s, u"Soft Tint"_s};
-    const QStringList storedTexts{u"blackout"_s, u"frosted"_s, u"softTint"_s};
-    for (qsizetype index = 0; index < storedTexts.size(); ++index) {
-        const auto style = ScreenMask::allStyles.at(static_cast<std::size_t>(index));
-        EXPECT_EQ(ScreenMask::styleFromStoredText(storedTexts[index]), style);
-        EXPECT_EQ(ScreenMask::storedText(style), storedTexts[index]);
-        EXPECT_EQ(ScreenMask::displayName(style), displayNames[index]);
-    }
-
-    MaskPreset preset = sampleWorkspace().presets[0];
-    EXPECT_EQ(preset.activationSummary(), u"Auto for Präsentation • P-3"_s);
-    preset.targetAppName.reset();
-    EXPECT_EQ(preset.activationSummary(), u"Manual"_s);
-    preset.targetAppName = u"Präsentation"_s;
-    preset.autoApply = false;
-    EXPECT_EQ(preset.activationSummary(), u"Manual"_s);
 }
 
 }  // namespace

@@ -11,9 +11,15 @@
 
 namespace {
 
+// A killed process stays in the table, as a zombie, until its parent takes note.
 bool isRunningVeyla(uint32_t pid) {
-    QFile name(QStringLiteral("/proc/%1/comm").arg(pid));
-    return name.open(QIODevice::ReadOnly) && name.readAll().trimmed() == "veyla";
+    QFile status(QStringLiteral("/proc/%1/stat").arg(pid));
+    if (!status.open(QIODevice::ReadOnly)) return false;
+    const QByteArray text = status.readAll();
+    const qsizetype nameEnd = text.lastIndexOf(')');
+    const QByteArray name = text.left(nameEnd).mid(text.indexOf('(') + 1);
+    const char state = text.mid(nameEnd + 2, 1).append('X').front();
+    return name == "veyla" && state != 'Z' && state != 'X';
 }
 
 // A window of somebody else's session, possibly on another host, is not ours to release.

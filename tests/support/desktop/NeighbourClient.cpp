@@ -1,0 +1,178 @@
+#include "support/desktop/NeighbourClient.h"
+
+#include "support/desktop/Wait.h"
+
+#include <algorithm>
+#include <unistd.h>
+
+namespace {
+
+std::uint32_t number(int value) {
+    return static_cast<std::uint32_t>(value);
+}
+
+std::uint32_t pixelOf(const QColor& color) {
+    return color.rgb() & 0xFFFFFFU;
+}
+
+}  // namespace
+
+xcb_window_t NeighbourClient::create(const WindowOptions& options) {
+    const xcb_window_t window = xcb_generate_id(connection());
+    const std::uint32_t values[] = {pixelOf(options.color), options.isOverrideRedirect ? 1U : 0U,
+                                    XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_KEY_PRESS};
+    const QRect& frame = options.frame;
+    xcb_create_window(connection(), XCB_COPY_FROM_PARENT, window, root(),
+                      static_cast<std::int16_t>(frame.x()), static_cast<std::int16_t>(frame.y()),
+                      static_cast<std::uint16_t>(frame.width()),
+                      static_cast<std::uint16_t>(frame.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                      screen().root_visual,
+                      XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
+    describe(window, options);
+    return window;
+}
+
+xcb_window_t NeighbourClient::open(const WindowOptions& options) {
+    const xcb_window_t window = create(options);
+    map(window);
+    requireSoon("a neighbour's window is viewable", [&] { return isViewable(window); });
+    return window;
+}
+
+xcb_window_t NeighbourClient::openDock(const QRect& frame, Edge edge) {
+    const xcb_window_t window = open({.frame = frame,
+                                      .color = Qt::darkGray,
+                                      .title = QStringLiteral("Dock"),
+                                      .windowType = QStringLiteral("_NET_WM_WINDOW_TYPE_DOCK")});
+    const QSize whole(screen().width_in_pixels, screen().height_in_pixels);
+    const bool isUpright = edge == Edge::left || edge == Edge::right;
+    const auto index = static_cast<std::size_t>(edge);
+    const int thickness[] = {frame.right() + 1, whole.width() - frame.left(), frame.bottom() + 1,
+                             whole.height() - frame.top()};
+    // Four thicknesses, then for each edge where it begins and ends.
+    std::vector<std::uint32_t> strut(12, 0);
+    strut[index] = number(thickness[index]);
+    strut[4 + 2 * index] = number(isUpright ? frame.top() : frame.left());
+    strut[5 + 2 * index] = number(isUpright ? frame.bottom() : frame.right());
+    setNumbers(window, QStringLiteral("_NET_WM_STRUT_PARTIAL"), QStringLiteral("CARDINAL"), strut);
+    return window;
+}
+
+void NeighbourClient::raise(xcb_window_t window) {
+    configure(window, XCB_CONFIG_WINDOW_STACK_MODE, {XCB_STACK_MODE_ABOVE});
+}
+
+void NeighbourClient::lower(xcb_window_t window) {
+    configure(window, XCB_CONFIG_WINDOW_STACK_MODE, {XCB_STACK_MODE_BELOW});
+}
+
+void NeighbourClient::move(xcb_window_t window, const QRect& frame) {
+    configure(
+        window,
+        XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+            XCB_CONFIG_WINDOW_HEIGHT,
+        {number(frame.x()), number(frame.y()), number(frame.width()), number(frame.height())});
+}
+
+void NeighbourClient::map(xcb_window_t window) {
+    xcb_map_window(connection(), window);
+    roundTrip();
+}
+
+void NeighbourClient::unmap(xcb_window_t window) {
+    xcb_unmap_window(connection(), window);
+    roundTrip();
+}
+
+void NeighbourClient::destroy(xcb_window_t window) {
+    xcb_destroy_window(connection(), window);
+    roundTrip();
+}
+
+void NeighbourClient::setColor(xcb_window_t window, const QColor& color) {
+    const std::uint32_t pixel = pixelOf(color);
+    xcb_change_window_attributes(connection(), window, XCB_CW_BACK_PIXEL, &pixel);
+    xcb_clear_area(connection(), 0, window, 0, 0, 0, 0);
+    roundTrip();
+}
+
+void NeighbourClient::requestState(xcb_window_t window, const QString& state, bool isOn) {
+    sendToManager(window, QStringLiteral("_NET_WM_STATE"), {isOn ? 1U : 0U, atom(state), 0, 1, 0});
+}
+
+void NeighbourClient::requestActivation(xcb_window_t window) {
+    // From a pager (2), whose requests no focus stealing prevention refuses.
+    sendToManager(window, QStringLiteral("_NET_ACTIVE_WINDOW"), {2, 0, 0, 0, 0});
+}
+
+bool NeighbourClient::grabKey(std::uint8_t keycode, std::uint16_t modifiers) {
+    const XcbPtr<xcb_generic_error_t> error(xcb_request_check(
+        connection(), xcb_grab_key_checked(connection(), 0, root(), modifiers, keycode,
+                                           XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)));
+    return error == nullptr;
+}
+
+QList<NeighbourInput> NeighbourClient::takeInput() {
+    roundTrip();
+    QList<NeighbourInput> input;
+    while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection())}) {
+        const int type = event->response_type & 0x7F;
+        if (type != XCB_BUTTON_PRESS && type != XCB_KEY_PRESS) continue;
+        // Key presses have the same layout.
+        const auto* press = reinterpret_cast<const xcb_button_press_event_t*>(event.get());
+        input.append({.window = press->event,
+                      .isKey = type == XCB_KEY_PRESS,
+                      .detail = press->detail,
+                      .modifiers = press->state,
+                      .position = QPoint(press->root_x, press->root_y)});
+    }
+    return input;
+}
+
+void NeighbourClient::configure(xcb_window_t window, std::uint16_t mask,
+                                const std::vector<std::uint32_t>& values) {
+    xcb_configure_window(connection(), window, mask, values.data());
+    roundTrip();
+}
+
+void NeighbourClient::sendToManager(xcb_window_t window, const QString& type,
+                                    const std::vector<std::uint32_t>& values) {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = atom(type);
+    std::copy_n(values.begin(), std::min<std::size_t>(values.size(), 5), message.data.data32);
+    xcb_send_event(connection(), 0, root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&message));
+    roundTrip();
+}
+
+void NeighbourClient::describe(xcb_window_t window, const WindowOptions& options) {
+    const QString cardinal = QStringLiteral("CARDINAL");
+    setText(window, QStringLiteral("_NET_WM_NAME"), options.title);
+    const QByteArray name = options.windowClass.toUtf8();
+    const QByteArray both = name + '\0' + name + '\0';
+    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS,
+                        XCB_ATOM_STRING, 8, number(static_cast<int>(both.size())), both.data());
+    setNumbers(window, QStringLiteral("_NET_WM_PID"), cardinal, {number(getpid())});
+    if (!options.hasDecorations) {
+        setNumbers(window, QStringLiteral("_MOTIF_WM_HINTS"), QStringLiteral("_MOTIF_WM_HINTS"),
+                   {2, 0, 0, 0, 0});
+    }
+    if (!options.windowType.isEmpty()) {
+        setNumbers(window, QStringLiteral("_NET_WM_WINDOW_TYPE"), QStringLiteral("ATOM"),
+                   {atom(options.windowType)});
+    }
+    // A position and size by the user (flags 1 and 2), so that the manager keeps them.
+    std::vector<std::uint32_t> hints(18, 0);
+    hints[0] = 3;
+    setNumbers(window, QStringLiteral("WM_NORMAL_HINTS"), QStringLiteral("WM_SIZE_HINTS"), hints);
+}
+
+bool NeighbourClient::isViewable(xcb_window_t window) const {
+    const XcbPtr<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(
+        connection(), xcb_get_window_attributes(connection(), window), nullptr));
+    return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
+}

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "support/desktop/XClient.h"
+
+#include <QColor>
+#include <QList>
+
+/// A button or key press that reached a neighbour's window.
+struct NeighbourInput {
+    xcb_window_t window = XCB_NONE;
+    bool isKey = false;
+    /// The button's number or the keycode.
+    int detail = 0;
+    /// The keys and buttons that were down before, as X11 masks.
+    int modifiers = 0;
+    /// On the root, device pixels, y down.
+    QPoint position;
+};
+
+/// Another program on the same desktop: plain windows of one colour, on a connection of its own.
+/// Its windows go when it goes. Frames are device pixels of the root, y down.
+class NeighbourClient : public XClient {
+public:
+    struct WindowOptions {
+        QRect frame{100, 100, 300, 200};
+        QColor color{Qt::white};
+        bool isOverrideRedirect = false;
+        /// Without decorations a managed window covers exactly its frame.
+        bool hasDecorations = false;
+        QString title = QStringLiteral("Neighbour");
+        /// Both the instance and the class.
+        QString windowClass = QStringLiteral("neighbour");
+        /// As in "_NET_WM_WINDOW_TYPE_DOCK"; empty for a normal window.
+        QString windowType{};
+    };
+    enum class Edge { left, right, top, bottom };
+
+    using XClient::XClient;
+
+    /// Makes a window that is not mapped yet.
+    xcb_window_t create(const WindowOptions& options);
+    /// Makes a window and returns when it is viewable. Throws std::runtime_error when it never is.
+    xcb_window_t open(const WindowOptions& options);
+    /// A panel at an edge of the root that reserves its frame's extent along that edge and
+    /// everything from there to the edge.
+    xcb_window_t openDock(const QRect& frame, Edge edge);
+
+    void raise(xcb_window_t window);
+    void lower(xcb_window_t window);
+    void move(xcb_window_t window, const QRect& frame);
+    void map(xcb_window_t window);
+    void unmap(xcb_window_t window);
+    void destroy(xcb_window_t window);
+    void setColor(xcb_window_t window, const QColor& color);
+
+    /// Asks the window manager for a state such as "_NET_WM_STATE_FULLSCREEN", or to end it.
+    void requestState(xcb_window_t window, const QString& state, bool isOn = true);
+    /// Asks the window manager to make the window the active one.
+    void requestActivation(xcb_window_t window);
+
+    /// Takes a key from everyone else; false when another client has it.
+    [[nodiscard]] bool grabKey(std::uint8_t keycode, std::uint16_t modifiers);
+
+    /// What has reached the windows since the last call, in order.
+    QList<NeighbourInput> takeInput();
+
+private:
+    void configure(xcb_window_t window, std::uint16_t mask,
+                   const std::vector<std::uint32_t>& values);
+    void sendToManager(xcb_window_t window, const QString& type,
+                       const std::vector<std::uint32_t>& values);
+    void describe(xcb_window_t window, const WindowOptions& options);
+    bool isViewable(xcb_window_t window) const;
+};

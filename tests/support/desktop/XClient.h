@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QRect>
+#include <QString>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <vector>
+#include <xcb/xcb.h>
+
+/// Frees what xcb returns.
+struct XcbFree {
+    void operator()(void* memory) const { std::free(memory); }
+};
+template <typename T>
+using XcbPtr = std::unique_ptr<T, XcbFree>;
+
+/// A connection to an X server with the few requests that the test clients share. Independent of
+/// the program's own X11 code, so that one does not repeat the other's mistakes.
+class XClient {
+public:
+    /// An empty name means DISPLAY. Throws std::runtime_error when there is no such server.
+    explicit XClient(const QString& displayName = {});
+    /// Closes the connection; the server destroys what the client made.
+    virtual ~XClient();
+    XClient(const XClient&) = delete;
+    XClient& operator=(const XClient&) = delete;
+
+    xcb_connection_t* connection() const { return m_connection; }
+    const xcb_screen_t& screen() const { return *m_screen; }
+    xcb_window_t root() const { return m_screen->root; }
+    bool isConnected() const { return xcb_connection_has_error(m_connection) == 0; }
+
+    /// Returns when the server has handled every request so far.
+    void roundTrip() const;
+
+    xcb_atom_t atom(const QString& name) const;
+    QString atomName(xcb_atom_t atom) const;
+
+    /// The root's rectangle when `window` is the root. Relative to the parent, as the server has
+    /// it; nothing when there is no such window.
+    std::optional<QRect> geometry(xcb_window_t window) const;
+
+    /// The values of a property of format 32; empty when there is none.
+    std::vector<std::uint32_t> numbersOf(xcb_window_t window, const QString& property) const;
+    void setNumbers(xcb_window_t window, const QString& property, const QString& type,
+                    const std::vector<std::uint32_t>& values);
+
+    /// The bytes of a property of format 8 as UTF-8 text; nothing when there is none.
+    std::optional<QString> textOf(xcb_window_t window, const QString& property) const;
+    void setText(xcb_window_t window, const QString& property, const QString& text);
+
+    /// The window that owns a selection such as "_NET_WM_CM_S0"; XCB_NONE without one.
+    xcb_window_t selectionOwner(const QString& selection) const;
+
+private:
+    XcbPtr<xcb_get_property_reply_t> property(xcb_window_t window, const QString& name) const;
+
+    xcb_connection_t* m_connection;
+    const xcb_screen_t* m_screen = nullptr;
+};

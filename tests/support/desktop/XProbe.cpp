@@ -1,0 +1,92 @@
+#include "support/desktop/XProbe.h"
+
+#include <algorithm>
+#include <xcb/shape.h>
+
+QList<XWindow> XProbe::childrenOf(xcb_window_t parent) const {
+    const XcbPtr<xcb_query_tree_reply_t> tree(
+        xcb_query_tree_reply(connection(), xcb_query_tree(connection(), parent), nullptr));
+    QList<XWindow> windows;
+    if (!tree) return windows;
+    const xcb_window_t* children = xcb_query_tree_children(tree.get());
+    for (int index = 0; index < xcb_query_tree_children_length(tree.get()); ++index) {
+        if (const auto child = window(children[index])) windows.append(*child);
+    }
+    return windows;
+}
+
+std::optional<XWindow> XProbe::window(xcb_window_t id) const {
+    const auto attributesCookie = xcb_get_window_attributes(connection(), id);
+    const auto geometryCookie = xcb_get_geometry(connection(), id);
+    const XcbPtr<xcb_get_window_attributes_reply_t> attributes(
+        xcb_get_window_attributes_reply(connection(), attributesCookie, nullptr));
+    const XcbPtr<xcb_get_geometry_reply_t> geometry(
+        xcb_get_geometry_reply(connection(), geometryCookie, nullptr));
+    if (!attributes || !geometry) return std::nullopt;
+    return XWindow{.id = id,
+                   .frame = QRect(geometry->x, geometry->y, geometry->width, geometry->height),
+                   .isMapped = attributes->map_state != XCB_MAP_STATE_UNMAPPED,
+                   .isOverrideRedirect = attributes->override_redirect != 0,
+                   .depth = geometry->depth};
+}
+
+QList<XWindow> XProbe::windowsWith(const QString& property) const {
+    QList<XWindow> found;
+    collect(root(), property, found);
+    return found;
+}
+
+std::optional<XWindow> XProbe::windowWith(const QString& property, const QString& text) const {
+    const QList<XWindow> candidates = windowsWith(property);
+    for (auto candidate = candidates.rbegin(); candidate != candidates.rend(); ++candidate) {
+        if (textOf(candidate->id, property) == text) return *candidate;
+    }
+    return std::nullopt;
+}
+
+xcb_window_t XProbe::topLevelOf(xcb_window_t window) const {
+    while (true) {
+        const XcbPtr<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(connection(), xcb_query_tree(connection(), window), nullptr));
+        if (!tree || tree->parent == root() || tree->parent == XCB_NONE) return window;
+        window = tree->parent;
+    }
+}
+
+bool XProbe::isAbove(xcb_window_t upper, xcb_window_t lower) const {
+    const xcb_window_t upperTop = topLevelOf(upper);
+    const xcb_window_t lowerTop = topLevelOf(lower);
+    bool hasPassedLower = false;
+    for (const XWindow& window : rootChildren()) {
+        if (window.id == upperTop) return hasPassedLower;
+        if (window.id == lowerTop) hasPassedLower = true;
+    }
+    return false;
+}
+
+QList<QRect> XProbe::inputShape(xcb_window_t window) const {
+    const XcbPtr<xcb_shape_get_rectangles_reply_t> reply(xcb_shape_get_rectangles_reply(
+        connection(), xcb_shape_get_rectangles(connection(), window, XCB_SHAPE_SK_INPUT), nullptr));
+    QList<QRect> shape;
+    if (!reply) return shape;
+    const xcb_rectangle_t* rectangles = xcb_shape_get_rectangles_rectangles(reply.get());
+    for (int index = 0; index < xcb_shape_get_rectangles_rectangles_length(reply.get()); ++index) {
+        const xcb_rectangle_t& part = rectangles[index];
+        shape.append(QRect(part.x, part.y, part.width, part.height));
+    }
+    return shape;
+}
+
+void XProbe::collect(xcb_window_t parent, const QString& property, QList<XWindow>& found) const {
+    for (const XWindow& child : childrenOf(parent)) {
+        const XcbPtr<xcb_list_properties_reply_t> names(xcb_list_properties_reply(
+            connection(), xcb_list_properties(connection(), child.id), nullptr));
+        if (names) {
+            const xcb_atom_t wanted = atom(property);
+            const xcb_atom_t* atoms = xcb_list_properties_atoms(names.get());
+            const xcb_atom_t* end = atoms + xcb_list_properties_atoms_length(names.get());
+            if (std::find(atoms, end, wanted) != end) found.append(child);
+        }
+        collect(child.id, property, found);
+    }
+}

@@ -1,0 +1,100 @@
+#include "Drawing/SymbolPainter.h"
+#include "Rendering.h"
+
+#include <QDir>
+#include <QRegularExpression>
+
+namespace {
+
+Symbol arrow(double size, SymbolWeight weight = SymbolWeight::regular) {
+    return {QStringLiteral("arrow.up.left.and.arrow.down.right"), size, weight,
+            QColor(200, 100, 50, 128)};
+}
+
+int coveredAlpha(const QImage& image) {
+    int sum = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            sum += qAlpha(image.pixel(x, y));
+    return sum;
+}
+
+TEST(SymbolPainter, TintsTheDrawingAtTheSizeOfTheScreen) {
+    for (const double scale : testedScales) {
+        const QImage image = SymbolPainter::image(arrow(16), scale);
+        EXPECT_EQ(image.size(), QSize(qRound(20 * scale), qRound(20 * scale)));
+        EXPECT_EQ(image.devicePixelRatio(), scale);
+        const QPoint center = QRect(QPoint(0, 0), image.size()).center();
+        EXPECT_TRUE(hasColor(image, center, {200 / 255.0, 100 / 255.0, 50 / 255.0, 128 / 255.0}));
+        EXPECT_EQ(image.pixel(image.width() - 1, 0), 0U);
+    }
+    const auto weightOf = [](SymbolWeight weight) {
+        return coveredAlpha(SymbolPainter::image(arrow(16, weight), 2));
+    };
+    EXPECT_LT(weightOf(SymbolWeight::light), weightOf(SymbolWeight::regular));
+    EXPECT_LT(weightOf(SymbolWeight::regular), weightOf(SymbolWeight::semibold));
+    EXPECT_LT(weightOf(SymbolWeight::semibold), weightOf(SymbolWeight::bold));
+
+    Symbol blue = arrow(16);
+    blue.color = Qt::blue;
+    EXPECT_EQ(SymbolPainter::image(blue, 2).pixelColor(20, 20), QColor(Qt::blue));
+}
+
+TEST(SymbolPainter, CentresTheDrawingOnWholePixels) {
+    for (const double scale : testedScales) {
+        QImage image(80, 80, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        image.setDevicePixelRatio(scale);
+        QPainter painter(&image);
+        painter.translate(2, 3);
+        SymbolPainter::paint(painter, arrow(16), QPointF(12, 14));
+        painter.end();
+        const QImage expected = SymbolPainter::image(arrow(16), scale);
+        const QPoint corner(qRound(4 * scale), qRound(7 * scale));
+        QImage found = image.copy(QRect(corner, expected.size()));
+        found.setDevicePixelRatio(scale);
+        EXPECT_EQ(found, expected);
+        EXPECT_EQ(coveredAlpha(image), coveredAlpha(expected));
+    }
+}
+
+TEST(SymbolPainter, DrawsNothingForAnUnknownName) {
+    EXPECT_TRUE(SymbolPainter::hasSymbol(arrow(8).name));
+    EXPECT_FALSE(SymbolPainter::hasSymbol(QStringLiteral("no.such.symbol")));
+    const Symbol unknown{QStringLiteral("no.such.symbol"), 16, SymbolWeight::regular, Qt::red};
+    EXPECT_TRUE(SymbolPainter::image(unknown, 2).isNull());
+    QImage image(20, 20, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    SymbolPainter::paint(painter, unknown, QPointF(10, 10));
+    painter.end();
+    EXPECT_EQ(coveredAlpha(image), 0);
+}
+
+TEST(IconSet, IsDrawnOnOneGridInOneStyle) {
+    const QRegularExpression strokes(QStringLiteral("stroke-width=\"([^\"]*)\""));
+    const QStringList files = QDir(QStringLiteral(":/icons")).entryList({QStringLiteral("*.svg")});
+    ASSERT_FALSE(files.isEmpty());
+    for (const QString& name : files) {
+        SCOPED_TRACE(name.toStdString());
+        QFile file(QStringLiteral(":/icons/") + name);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QString drawing = QString::fromUtf8(file.readAll());
+        EXPECT_TRUE(drawing.contains(QStringLiteral("viewBox=\"0 0 24 24\"")));
+        for (const QRegularExpressionMatch& match : strokes.globalMatch(drawing))
+            EXPECT_EQ(match.captured(1).toStdString(), "2");
+
+        const QImage image =
+            SymbolPainter::image({name.chopped(4), 19.2 * 4, SymbolWeight::regular, Qt::black}, 1);
+        ASSERT_EQ(image.size(), QSize(96, 96));
+        QImage middle = image;
+        QPainter painter(&middle);
+        painter.setCompositionMode(QPainter::CompositionMode_Clear);
+        painter.fillRect(QRect(7, 7, 82, 82), Qt::transparent);
+        painter.end();
+        EXPECT_GT(coveredAlpha(image), 0);
+        EXPECT_EQ(coveredAlpha(middle), 0) << "drawn outside the live area";
+    }
+}
+
+}  // namespace
