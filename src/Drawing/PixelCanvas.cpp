@@ -14,9 +14,9 @@ PixelCanvas::PixelCanvas(QPainter& painter)
     m_painter.setWorldTransform(toPixels * toDevice.inverted() * m_painter.worldTransform());
 }
 
-int PixelCanvas::pixels(double points) const {
+int PixelCanvas::wholePixels(double points, double scale) {
     if (points <= 0) return 0;
-    return std::max(1, qRound(points * m_scale));
+    return std::max(1, qRound(points * scale));
 }
 
 QSize PixelCanvas::pixels(Size size) const {

@@ -15,11 +15,14 @@ public:
     PixelCanvas& operator=(const PixelCanvas&) = delete;
     ~PixelCanvas() { m_painter.restore(); }
 
+    /// The same rounding without a painter.
+    static int wholePixels(double points, double scale);
+
     QPainter& painter() { return m_painter; }
     /// Device pixels in a point.
     double scale() const { return m_scale; }
     /// A length in whole pixels; no length above 0 vanishes.
-    int pixels(double points) const;
+    int pixels(double points) const { return wholePixels(points, m_scale); }
     QSize pixels(Size size) const;
 
 private:

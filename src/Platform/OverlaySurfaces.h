@@ -4,6 +4,7 @@
 #include <optional>
 
 #include <QList>
+#include <QRect>
 #include <QString>
 #include <QUuid>
 
@@ -23,9 +24,12 @@ public:
     /// corner, y downward, one unit a point; the device pixels behind it depend on the screen.
     virtual void paint(QPainter& painter, Size size) const = 0;
 
-    /// The only parts that are painted, in the painter's coordinates. The surface is absent
-    /// elsewhere, even on a screen that cannot show transparency. Nothing means the whole surface.
-    virtual std::optional<QList<Rect>> paintedAreas(Size /*size*/) const { return std::nullopt; }
+    /// The only device pixels that are painted, counted from the top-left corner, where a point is
+    /// `scale` pixels. The surface is absent elsewhere, even on a screen that cannot show
+    /// transparency. Nothing means the whole surface.
+    virtual std::optional<QList<QRect>> paintedPixels(Size /*size*/, double /*scale*/) const {
+        return std::nullopt;
+    }
 };
 
 /// What assistive technology is told of a surface.

@@ -25,24 +25,36 @@ std::optional<int> firstPixel(double position, int width, int length) {
 
 }  // namespace
 
-void GuideView::paint(QPainter& painter, Size size) const {
-    PixelCanvas canvas(painter);
-    const QSize ground = canvas.pixels(size);
-    const int width = canvas.pixels(lineWidth);
-    // One path, so that lines that cross or coincide are not painted over each other.
-    QPainterPath lines;
-    lines.setFillRule(Qt::WindingFill);
+QList<QRect> GuideView::linesInPixels(QSize ground, double scale) const {
+    const int width = PixelCanvas::wholePixels(lineWidth, scale);
+    QList<QRect> lines;
     for (const GuideLine& guide : m_guides) {
         const bool isVertical = guide.orientation == GuideLine::Orientation::vertical;
         const int length = isVertical ? ground.width() : ground.height();
-        const std::optional<int> first = firstPixel(guide.position * canvas.scale(), width, length);
+        const std::optional<int> first = firstPixel(guide.position * scale, width, length);
         if (!first) continue;
-        lines.addRect(isVertical
-                          ? QRect(*first, 0, width, ground.height())
-                          : QRect(0, ground.height() - *first - width, ground.width(), width));
+        lines.append(isVertical
+                         ? QRect(*first, 0, width, ground.height())
+                         : QRect(0, ground.height() - *first - width, ground.width(), width));
     }
+    return lines;
+}
+
+void GuideView::paint(QPainter& painter, Size size) const {
+    PixelCanvas canvas(painter);
+    // One path, so that lines that cross or coincide are not painted over each other.
+    QPainterPath lines;
+    lines.setFillRule(Qt::WindingFill);
+    for (const QRect& line : linesInPixels(canvas.pixels(size), canvas.scale()))
+        lines.addRect(line);
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.fillPath(lines, paintColor(lineColor));
+}
+
+std::optional<QList<QRect>> GuideView::paintedPixels(Size size, double scale) const {
+    return linesInPixels(QSize(PixelCanvas::wholePixels(size.width, scale),
+                               PixelCanvas::wholePixels(size.height, scale)),
+                         scale);
 }
 
 GuideOverlayWindow::GuideOverlayWindow(OverlaySurfaces& surfaces)

@@ -16,8 +16,12 @@ public:
 
     const QList<GuideLine>& guides() const { return m_guides; }
     void paint(QPainter& painter, Size size) const override;
+    /// The lines alone.
+    std::optional<QList<QRect>> paintedPixels(Size size, double scale) const override;
 
 private:
+    QList<QRect> linesInPixels(QSize ground, double scale) const;
+
     QList<GuideLine> m_guides;
 };
 

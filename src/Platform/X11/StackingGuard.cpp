@@ -4,8 +4,6 @@
 #include <unordered_set>
 #include <utility>
 
-#include <xcb/xfixes.h>
-
 namespace {
 
 // More raises than this in a second mean that another program insists on lying above.
@@ -20,43 +18,11 @@ StackingGuard::StackingGuard(XcbConnection& connection, Scheduler& scheduler, Sy
                              Client& client)
     : m_connection(connection), m_scheduler(scheduler), m_log(log), m_client(client) {
     m_connection.selectRootEvents(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
-    watchManagers();
-    readManagerName();
     m_subscriptions.keep(
         m_connection.onEvent([this](const xcb_generic_event_t& event) { handleEvent(event); }));
     m_subscriptions.keep(m_connection.onBurstEnd([this] {
-        if (std::exchange(m_needsRemake, false) && onManagerReplaced) onManagerReplaced();
         if (std::exchange(m_needsAudit, false)) audit();
     }));
-}
-
-void StackingGuard::watchManagers() {
-    if (!m_connection.hasExtension(xcb_xfixes_id)) {
-        m_log.write(QStringLiteral(
-            "Veyla cannot see window managers come and go: the X server lacks XFIXES"));
-        return;
-    }
-    const auto version = xcbReply(xcb_xfixes_query_version_reply, m_connection.get(),
-                                  xcb_xfixes_query_version(m_connection, 5, 0));
-    m_selectionEvent = static_cast<uint8_t>(
-        xcb_get_extension_data(m_connection, &xcb_xfixes_id)->first_event +
-        XCB_XFIXES_SELECTION_NOTIFY);
-    const X11Atoms& atoms = m_connection.atoms();
-    for (const xcb_atom_t selection : {atoms.wmSelection, atoms.compositorSelection})
-        xcb_xfixes_select_selection_input(
-            m_connection, m_connection.root(), selection,
-            XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
-                XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
-                XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
-}
-
-void StackingGuard::readManagerName() {
-    const X11Atoms& atoms = m_connection.atoms();
-    const auto check = m_connection.property32(m_connection.root(), atoms.netSupportingWmCheck);
-    const QByteArray name =
-        check.empty() ? QByteArray() : m_connection.property8(check.front(), atoms.netWmName);
-    // Paints override-redirect windows in the order in which they were mapped.
-    m_mapsDecideOrder = name.contains("Mutter") || name.contains("GNOME Shell");
 }
 
 void StackingGuard::handleEvent(const xcb_generic_event_t& event) {
@@ -77,20 +43,8 @@ void StackingGuard::handleEvent(const xcb_generic_event_t& event) {
         case XCB_REPARENT_NOTIFY:
             m_needsAudit = true;
             break;
-        case XCB_PROPERTY_NOTIFY: {
-            const auto& property = reinterpret_cast<const xcb_property_notify_event_t&>(event);
-            if (property.window == root &&
-                property.atom == m_connection.atoms().netSupportingWmCheck)
-                readManagerName();
-            break;
-        }
         default:
             break;
-    }
-    if (m_selectionEvent != 0 && type == m_selectionEvent) {
-        const auto& change =
-            reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event);
-        m_needsRemake |= change.owner != XCB_NONE;
     }
 }
 
@@ -120,7 +74,7 @@ void StackingGuard::audit() {
 
 void StackingGuard::raise() {
     m_recentRaises.push_back(Clock::now());
-    m_client.raiseShownWindows(m_mapsDecideOrder);
+    m_client.raiseShownWindows();
 }
 
 bool StackingGuard::isContested() {

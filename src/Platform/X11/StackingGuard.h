@@ -26,17 +26,12 @@ public:
         virtual std::vector<xcb_window_t> shownWindows() const = 0;
         /// Whether a window belongs to this program and may stay where it is.
         virtual bool isOwnWindow(xcb_window_t window) const = 0;
-        /// Raises all shown windows, in their order. With `remap` they are mapped anew in the same
-        /// step, for window managers that go by the order of mapping.
-        virtual void raiseShownWindows(bool remap) = 0;
+        /// Raises all shown windows, in their order.
+        virtual void raiseShownWindows() = 0;
     };
 
     /// All references must outlive the guard.
     StackingGuard(XcbConnection& connection, Scheduler& scheduler, SystemLog& log, Client& client);
-
-    /// Calls back when the window manager or the compositor was replaced: windows that were mapped
-    /// before may be painted below others by the new one, whatever their order.
-    std::function<void()> onManagerReplaced;
 
     /// Looks at the order of windows now and mends it.
     void audit();
@@ -46,8 +41,6 @@ private:
 
     void handleEvent(const xcb_generic_event_t& event);
     bool canChangeOrder(const xcb_configure_notify_event_t& event);
-    void watchManagers();
-    void readManagerName();
     bool isCovered(const std::vector<xcb_window_t>& shown) const;
     bool isVisibleAbove(xcb_window_t window, const std::vector<QRect>& masks) const;
     std::vector<xcb_window_t> topLevelWindows() const;
@@ -59,10 +52,7 @@ private:
     SystemLog& m_log;
     Client& m_client;
     bool m_needsAudit = false;
-    bool m_needsRemake = false;
-    bool m_mapsDecideOrder = false;
     bool m_hasLoggedContest = false;
-    uint8_t m_selectionEvent = 0;
     std::deque<Clock::time_point> m_recentRaises;
     // What each of our windows was last told to lie right above.
     std::unordered_map<xcb_window_t, xcb_window_t> m_siblings;

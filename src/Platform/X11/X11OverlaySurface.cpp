@@ -1,25 +1,11 @@
 #include "Platform/X11/X11OverlaySurface.h"
 
-#include <cmath>
 #include <utility>
 
 #include <QPainter>
 
 #include "Platform/X11/X11OverlaySurfaces.h"
 #include "Services/ScreenPlacement.h"
-
-namespace {
-
-// The pixels that an area in points covers, even in part.
-QRect coveredPixels(const Rect& area, double scaleFactor, QSize limit) {
-    const auto low = [&](double value) { return static_cast<int>(std::floor(value * scaleFactor)); };
-    const auto high = [&](double value) { return static_cast<int>(std::ceil(value * scaleFactor)); };
-    const QRect pixels(QPoint(low(area.minX()), low(area.minY())),
-                       QPoint(high(area.maxX()) - 1, high(area.maxY()) - 1));
-    return pixels.intersected(QRect(QPoint(0, 0), limit));
-}
-
-}  // namespace
 
 X11OverlaySurface::X11OverlaySurface(X11OverlaySurfaces& owner, SurfaceDescription description,
                                      SurfaceDelegate* delegate,
@@ -90,14 +76,12 @@ void X11OverlaySurface::apply(const DesktopSpace& space) {
 
     // A hidden window is painted when it is shown.
     const bool isPaintedNow = m_needsPainting && m_isShown && m_content;
-    const bool isResized = rect.size() != m_window->rect().size();
-    if (isPaintedNow && isResized) {
-        paint(rect.size());
-        m_window->setRect(rect);
-    } else {
-        m_window->setRect(rect);
-        if (isPaintedNow) paint(rect.size());
-    }
+    const bool isMoved = rect != m_window->rect();
+    if (isMoved || isPaintedNow) m_owner.noteBackdropChange(m_window->rect());
+    // The new picture first: with the new size the server shows it by itself.
+    if (isPaintedNow) paint(rect);
+    m_window->setRect(rect);
+    if (isMoved) m_owner.noteBackdropChange(rect);
     if (std::exchange(m_hasAppliedPassThrough, m_ignoresMouseEvents) != m_ignoresMouseEvents)
         m_window->setInputPassThrough(m_ignoresMouseEvents);
     if (m_appliedCursor != m_cursor && m_isShown) {
@@ -106,33 +90,41 @@ void X11OverlaySurface::apply(const DesktopSpace& space) {
     }
 }
 
-void X11OverlaySurface::paint(QSize size) {
+void X11OverlaySurface::paint(const QRect& rect) {
+    const QSize size = rect.size();
     const Size points{size.width() / m_scaleFactor, size.height() / m_scaleFactor};
-    const auto areas = m_content->paintedAreas(points);
-    QList<QRect> rects;
-    if (areas)
-        for (const Rect& area : *areas) rects.append(coveredPixels(area, m_scaleFactor, size));
-    else
-        rects.append(QRect(QPoint(0, 0), size));
-
     QList<NativeOverlayWindow::Part> parts;
-    for (const QRect& rect : std::as_const(rects)) {
-        if (rect.isEmpty()) continue;
-        QImage image(rect.size(), m_owner.imageFormat());
-        image.fill(Qt::transparent);
-        QPainter painter(&image);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.translate(-rect.topLeft());
-        painter.scale(m_scaleFactor, m_scaleFactor);
-        m_content->paint(painter, points);
-        painter.end();
-        parts.append({rect.topLeft(), image});
+    QList<QRect> bounds;
+    if (const auto paintedPixels = m_content->paintedPixels(points, m_scaleFactor)) {
+        for (const QRect& area : *paintedPixels) {
+            const QRect pixels = area.intersected(QRect(QPoint(0, 0), size));
+            if (pixels.isEmpty()) continue;
+            bounds.append(pixels);
+            parts.append({pixels.topLeft(), paintPart(pixels, points, std::nullopt)});
+        }
+    } else {
+        parts.append({QPoint(0, 0), paintPart(QRect(QPoint(0, 0), size), points,
+                                              m_owner.backdropOf(*this, rect))});
     }
     m_window->setPicture(size, parts);
-    if (areas || std::exchange(m_hasBoundingAreas, areas.has_value()))
-        m_window->setBoundingAreas(areas ? rects : QList<QRect>());
-    m_hasBoundingAreas = areas.has_value();
+    const bool hasBounds = !bounds.isEmpty();
+    if (std::exchange(m_hasBoundingAreas, hasBounds) || hasBounds)
+        m_window->setBoundingAreas(bounds);
     m_needsPainting = false;
+}
+
+QImage X11OverlaySurface::paintPart(const QRect& part, Size points,
+                                    const std::optional<QImage>& backdrop) const {
+    QImage image(part.size(), m_owner.imageFormat());
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    if (backdrop) painter.drawImage(0, 0, *backdrop);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(-part.topLeft());
+    painter.scale(m_scaleFactor, m_scaleFactor);
+    m_content->paint(painter, points);
+    painter.end();
+    return image;
 }
 
 void X11OverlaySurface::followScreens(const QList<ScreenInfo>& oldScreens,

@@ -39,6 +39,10 @@ public:
 
     /// Sends to the server what differs from the wanted state, mapping and stacking excepted.
     void apply(const DesktopSpace& space);
+    /// Paints what is shown again, on what lies below it now.
+    void repaint() { if (m_isShown && m_content) paint(m_window->rect()); }
+    /// Lets the next `apply` paint.
+    void requirePainting() { m_needsPainting = true; }
     /// Takes over where the window is after the screens changed; the delegate is not told.
     void followScreens(const QList<ScreenInfo>& oldScreens, const DesktopSpace& space);
     /// Takes over where another program put the window, and tells the delegate.
@@ -47,7 +51,8 @@ public:
     std::unique_ptr<NativeOverlayWindow> replaceWindow(std::unique_ptr<NativeOverlayWindow> window);
 
 private:
-    void paint(QSize size);
+    void paint(const QRect& rect);
+    QImage paintPart(const QRect& part, Size points, const std::optional<QImage>& backdrop) const;
     void tellDelegate(const Rect& previous);
 
     X11OverlaySurfaces& m_owner;

@@ -5,6 +5,13 @@
 
 #include "Platform/X11/LeftoverWindows.h"
 
+namespace {
+
+// A frame of a usual display.
+constexpr std::chrono::milliseconds shortestRefreshInterval{16};
+
+}  // namespace
+
 X11OverlaySurfaces::X11OverlaySurfaces(const Services& services)
     : m_services(services),
       m_connection(services.connection),
@@ -12,8 +19,12 @@ X11OverlaySurfaces::X11OverlaySurfaces(const Services& services)
       m_cursors(services.connection),
       m_input(*this),
       m_knownScreens(services.screens.screens()),
-      m_guard(services.connection, services.scheduler, services.log, *this) {
-    m_guard.onManagerReplaced = [this] { remakeWindows(); };
+      m_managers(services.connection, services.log),
+      m_guard(services.connection, services.scheduler, services.log, *this),
+      m_backdrops(services.connection) {
+    m_managers.onReplaced = [this] { remakeWindows(); };
+    m_managers.onCompositingChanged = [this] { followCompositing(); };
+    m_backdrops.onChanged = [this](const QRect& rect) { noteBackdropChange(rect); };
     m_subscriptions.keep(
         m_connection.onEvent([this](const xcb_generic_event_t& event) { handleEvent(event); }));
     m_subscriptions.keep(m_connection.onBurstEnd([this] { m_input.flushMotion(); }));
@@ -48,6 +59,7 @@ void X11OverlaySurfaces::releaseLeftovers() {
 
 void X11OverlaySurfaces::forget(X11OverlaySurface& surface) {
     m_input.forget(surface);
+    noteBackdropChange(surface.window().rect());
     std::erase(m_surfaces, &surface);
     std::erase(m_stack, surface.window().id());
     if (m_services.accessibility) m_services.accessibility->forget(surface);
@@ -89,7 +101,9 @@ void X11OverlaySurfaces::commit() {
     if (std::exchange(m_needsOrder, false)) {
         applyOrder();
         updateCloseDownMode();
+        updateBackdrops();
     }
+    m_layers.reset();
     m_connection.flush();
 }
 
@@ -121,9 +135,13 @@ void X11OverlaySurfaces::applyOrder() {
         NativeOverlayWindow& window = shown[static_cast<std::size_t>(i)]->window();
         window.raise();
         window.map();
+        noteBackdropChange(window.rect());
     }
-    for (X11OverlaySurface* surface : m_surfaces)
-        if (!surface->isShown()) surface->window().unmap();
+    for (X11OverlaySurface* surface : m_surfaces) {
+        if (surface->isShown() || !surface->window().isMapped()) continue;
+        surface->window().unmap();
+        noteBackdropChange(surface->window().rect());
+    }
     m_stack = std::move(stack);
 
     if (!m_services.accessibility) return;
@@ -193,6 +211,63 @@ void X11OverlaySurfaces::remakeWindows() {
     commit();
 }
 
+void X11OverlaySurfaces::followCompositing() {
+    const SurfaceBatch batch(*this);
+    updateBackdrops();
+    for (X11OverlaySurface* surface : m_surfaces) surface->requirePainting();
+    m_needsApply = true;
+}
+
+void X11OverlaySurfaces::updateBackdrops() {
+    const bool wasActive = m_backdrops.isActive();
+    m_backdrops.setActive(!m_stack.empty() && !m_managers.isCompositing());
+    if (wasActive || !m_backdrops.isActive()) return;
+    for (const X11OverlaySurface* surface : m_surfaces)
+        if (surface->isShown()) noteBackdropChange(surface->window().rect());
+}
+
+std::optional<QImage> X11OverlaySurfaces::backdropOf(const X11OverlaySurface& surface,
+                                                     const QRect& rect) {
+    // Before a window is mapped, the masks that are to lie below it may not be there yet, and what
+    // they are to hide would show through.
+    if (!m_backdrops.isActive() || !surface.window().isMapped()) return std::nullopt;
+    if (!m_layers) m_layers = m_backdrops.readLayers();
+    return m_backdrops.capture(rect, surface.window().id(), *m_layers);
+}
+
+void X11OverlaySurfaces::noteBackdropChange(const QRect& rect) {
+    if (!m_backdrops.isActive()) return;
+    const bool isBelowSurface =
+        std::any_of(m_surfaces.begin(), m_surfaces.end(), [&](const X11OverlaySurface* surface) {
+            return surface->isShown() && surface->window().rect().intersects(rect);
+        });
+    if (!isBelowSurface) return;
+    m_changedBackdrop += rect;
+    if (m_pendingRefresh.isActive()) return;
+    using namespace std::chrono;
+    const auto due = m_lastRefresh + shortestRefreshInterval;
+    const auto wait = duration_cast<milliseconds>(due - steady_clock::now());
+    m_pendingRefresh = m_services.scheduler.after(std::max(wait, milliseconds(0)),
+                                                  [this] { refreshBackdrops(); });
+}
+
+void X11OverlaySurfaces::refreshBackdrops() {
+    m_pendingRefresh.reset();
+    m_lastRefresh = std::chrono::steady_clock::now();
+    QRegion changed = std::exchange(m_changedBackdrop, QRegion());
+    if (!m_backdrops.isActive()) return;
+    m_layers = m_backdrops.readLayers();
+    // From the bottom up, because a picture changes those of the surfaces above it.
+    for (X11OverlaySurface* surface : shownInOrder()) {
+        const QRect& rect = surface->window().rect();
+        if (!changed.intersects(rect)) continue;
+        surface->repaint();
+        changed += rect;
+    }
+    m_layers.reset();
+    m_connection.flush();
+}
+
 X11OverlaySurface* X11OverlaySurfaces::surfaceOf(xcb_window_t window) const {
     const auto found =
         std::find_if(m_surfaces.begin(), m_surfaces.end(), [&](const X11OverlaySurface* surface) {
@@ -207,10 +282,11 @@ bool X11OverlaySurfaces::isOwnWindow(xcb_window_t window) const {
     return m_services.isOwnWindow(window);
 }
 
-void X11OverlaySurfaces::raiseShownWindows(bool remap) {
+void X11OverlaySurfaces::raiseShownWindows() {
     for (X11OverlaySurface* surface : shownInOrder()) {
         NativeOverlayWindow& window = surface->window();
-        if (remap) window.unmap();
+        // Mapped anew in the same step, nothing shows in between.
+        if (m_managers.isOrderedByMapping()) window.unmap();
         window.raise();
         window.map();
     }

@@ -1,13 +1,19 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
+
+#include <QRegion>
 
 #include "Platform/OverlaySurfaces.h"
 #include "Platform/SurfaceAccessibility.h"
+#include "Platform/X11/BackdropSource.h"
 #include "Platform/X11/CursorTheme.h"
+#include "Platform/X11/ManagerWatch.h"
 #include "Platform/X11/NativeOverlayWindow.h"
 #include "Platform/X11/OverlayInput.h"
 #include "Platform/X11/StackingGuard.h"
@@ -18,6 +24,10 @@
 /// The overlay windows of this program on the X server: makes them, keeps them in their order and
 /// above the windows of others, and hands them the mouse. While one is shown, the windows are
 /// retained by the server even if this program is killed.
+///
+/// Without a compositor a window hides what lies below it, whatever its alpha. Then the pictures of
+/// the surfaces are composed here on top of what lies below, again whenever that changes, but at
+/// most once a frame. A surface that has no such picture yet is shown on black.
 class X11OverlaySurfaces final : public OverlaySurfaces, private StackingGuard::Client {
 public:
     /// Tells whether a top-level window is another window of this program, such as a menu, which
@@ -62,6 +72,10 @@ private:
     std::uint64_t nextRaiseNumber() { return ++m_lastRaise; }
     xcb_cursor_t cursor(CursorShape shape) { return m_cursors.cursor(shape); }
     QImage::Format imageFormat() const;
+    /// What lies below a surface, to paint it on; nothing where the server shows that itself.
+    std::optional<QImage> backdropOf(const X11OverlaySurface& surface, const QRect& rect);
+    /// Something changed there on the screen, and what is composed with it is out of date.
+    void noteBackdropChange(const QRect& rect);
 
     void commitUnlessBatched();
     void commit();
@@ -71,6 +85,9 @@ private:
     void handleForeignConfigure(const xcb_generic_event_t& event);
     void followScreens();
     void remakeWindows();
+    void followCompositing();
+    void updateBackdrops();
+    void refreshBackdrops();
     std::unique_ptr<NativeOverlayWindow> makeWindow(const SurfaceDescription& description);
     X11OverlaySurface* surfaceOf(xcb_window_t window) const;
     std::vector<X11OverlaySurface*> shownInOrder() const;
@@ -78,7 +95,7 @@ private:
     // StackingGuard::Client
     std::vector<xcb_window_t> shownWindows() const override;
     bool isOwnWindow(xcb_window_t window) const override;
-    void raiseShownWindows(bool remap) override;
+    void raiseShownWindows() override;
 
     Services m_services;
     XcbConnection& m_connection;
@@ -94,6 +111,13 @@ private:
     bool m_needsOrder = false;
     bool m_isRetained = false;
     std::uint64_t m_lastRaise = 0;
+    ManagerWatch m_managers;
     StackingGuard m_guard;
+    BackdropSource m_backdrops;
+    // What lay where when this commit or refresh began.
+    std::optional<std::vector<BackdropSource::Layer>> m_layers;
+    QRegion m_changedBackdrop;
+    std::chrono::steady_clock::time_point m_lastRefresh;
+    Subscription m_pendingRefresh;
     SubscriptionBag m_subscriptions;
 };

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+#include <QImage>
+#include <QRect>
+
+#include "Platform/X11/XcbConnection.h"
+#include "Reactive/Subscription.h"
+
+#include <xcb/damage.h>
+#include <xcb/render.h>
+
+/// Pictures of what lies below a window, for displays where no compositor shows it. While it is
+/// active the server keeps every top-level window in a pixmap of its own, and tells when one
+/// changes. All rectangles are in pixels of the root.
+class BackdropSource {
+public:
+    /// `connection` must outlive the source.
+    explicit BackdropSource(XcbConnection& connection);
+    ~BackdropSource();
+    BackdropSource(const BackdropSource&) = delete;
+    BackdropSource& operator=(const BackdropSource&) = delete;
+
+    /// Called for each rectangle of the screen whose picture may have changed. Changes of windows
+    /// of this connection are not told.
+    std::function<void(const QRect& rect)> onChanged;
+
+    /// Whether the server has the extensions that this takes.
+    bool isAvailable() const { return m_isAvailable; }
+    void setActive(bool isActive);
+    bool isActive() const { return m_isActive; }
+
+    /// The top-level windows that can be seen, bottom to top, as of now.
+    struct Layer {
+        xcb_window_t window = XCB_NONE;
+        xcb_visualid_t visual = XCB_NONE;
+        /// With the border.
+        QRect rect;
+        int border = 0;
+    };
+    std::vector<Layer> readLayers();
+
+    /// The picture of `rect` made of the layers that lie below `window`; nothing when it cannot be
+    /// had, or when the window is not among the layers.
+    std::optional<QImage> capture(const QRect& rect, xcb_window_t window,
+                                  const std::vector<Layer>& layers);
+
+private:
+    void handleEvent(const xcb_generic_event_t& event);
+    void handleTopLevelEvent(const xcb_generic_event_t& event);
+    void watch(const Layer& layer);
+    void drawRoot(xcb_render_picture_t target, const QRect& rect);
+    void drawLayer(xcb_render_picture_t target, const QRect& rect, const Layer& layer);
+    xcb_render_pictformat_t formatOf(xcb_visualid_t visual) const;
+    void tell(const QRect& rect) const;
+
+    XcbConnection& m_connection;
+    bool m_isAvailable = false;
+    bool m_isActive = false;
+    uint8_t m_damageEvent = 0;
+    std::unordered_map<xcb_visualid_t, xcb_render_pictformat_t> m_formats;
+    struct Watched {
+        xcb_damage_damage_t damage = XCB_NONE;
+        QRect rect;
+        bool isDamaged = false;
+    };
+    std::unordered_map<xcb_window_t, Watched> m_watched;
+    Subscription m_events;
+};
