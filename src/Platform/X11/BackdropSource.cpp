@@ -191,7 +191,7 @@ std::optional<QImage> BackdropSource::capture(const QRect& rect, xcb_window_t wi
                       toUint16(rect.width()), toUint16(rect.height()));
     {
         const Picture target(m_connection, pixmap, rootFormat);
-        drawRoot(target.id(), rect);
+        drawRoot(target.id(), rect, layers);
         std::for_each(layers.begin(), own, [&](const Layer& layer) {
             if (layer.rect.intersects(rect)) drawLayer(target.id(), rect, layer);
         });
@@ -208,22 +208,49 @@ std::optional<QImage> BackdropSource::capture(const QRect& rect, xcb_window_t wi
         .copy();
 }
 
-void BackdropSource::drawRoot(xcb_render_picture_t target, const QRect& rect) {
-    const xcb_rectangle_t whole{0, 0, toUint16(rect.width()), toUint16(rect.height())};
-    const xcb_render_color_t black{0, 0, 0, 0xffff};
-    xcb_render_fill_rectangles(m_connection, XCB_RENDER_PICT_OP_SRC, target, black, 1, &whole);
-
+void BackdropSource::drawRoot(xcb_render_picture_t target, const QRect& rect,
+                              const std::vector<Layer>& layers) {
     // The picture that desktops and wallpaper programs leave on the root.
     const auto wallpaper =
         m_connection.property32(m_connection.root(), m_connection.atoms().rootPixmap);
-    if (wallpaper.empty() || wallpaper.front() == XCB_NONE) return;
-    const uint32_t repeat = XCB_RENDER_REPEAT_NORMAL;
-    const Picture source(m_connection, wallpaper.front(),
-                         formatOf(m_connection.screen().root_visual), XCB_RENDER_CP_REPEAT,
-                         &repeat);
-    xcb_render_composite(m_connection, XCB_RENDER_PICT_OP_SRC, source.id(), XCB_NONE, target,
-                         toInt16(rect.x()), toInt16(rect.y()), 0, 0, 0, 0,
-                         toUint16(rect.width()), toUint16(rect.height()));
+    if (!wallpaper.empty() && wallpaper.front() != XCB_NONE) {
+        const uint32_t repeat = XCB_RENDER_REPEAT_NORMAL;
+        const Picture source(m_connection, wallpaper.front(),
+                             formatOf(m_connection.screen().root_visual), XCB_RENDER_CP_REPEAT,
+                             &repeat);
+        xcb_render_composite(m_connection, XCB_RENDER_PICT_OP_SRC, source.id(), XCB_NONE, target,
+                             toInt16(rect.x()), toInt16(rect.y()), 0, 0, 0, 0,
+                             toUint16(rect.width()), toUint16(rect.height()));
+        return;
+    }
+    learnRootColor(layers);
+    const auto channel = [](int eightBits) { return static_cast<uint16_t>(eightBits * 0x101); };
+    const xcb_render_color_t color{channel(m_rootColor.red()), channel(m_rootColor.green()),
+                                   channel(m_rootColor.blue()), 0xffff};
+    const xcb_rectangle_t whole{0, 0, toUint16(rect.width()), toUint16(rect.height())};
+    xcb_render_fill_rectangles(m_connection, XCB_RENDER_PICT_OP_SRC, target, color, 1, &whole);
+}
+
+void BackdropSource::learnRootColor(const std::vector<Layer>& layers) {
+    // The server does not tell the background of the root; a pixel of it that is in sight does.
+    constexpr int pointsPerSide = 8;
+    const xcb_screen_t& screen = m_connection.screen();
+    for (int i = 0; i < pointsPerSide * pointsPerSide; ++i) {
+        const QPoint point((i % pointsPerSide) * (screen.width_in_pixels - 1) / (pointsPerSide - 1),
+                           (i / pointsPerSide) * (screen.height_in_pixels - 1) / (pointsPerSide - 1));
+        const bool isCovered =
+            std::any_of(layers.begin(), layers.end(),
+                        [&](const Layer& layer) { return layer.rect.contains(point); });
+        if (isCovered) continue;
+        const auto reply = xcbReply(
+            xcb_get_image_reply, m_connection.get(),
+            xcb_get_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_connection.root(),
+                          toInt16(point.x()), toInt16(point.y()), 1, 1, ~0U));
+        if (!reply || xcb_get_image_data_length(reply.get()) < 4) return;
+        const uint8_t* const bytes = xcb_get_image_data(reply.get());
+        m_rootColor = QColor(bytes[2], bytes[1], bytes[0]);
+        return;
+    }
 }
 
 void BackdropSource::drawLayer(xcb_render_picture_t target, const QRect& rect, const Layer& layer) {

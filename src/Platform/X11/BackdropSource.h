@@ -5,6 +5,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include <QColor>
 #include <QImage>
 #include <QRect>
 
@@ -53,7 +54,8 @@ private:
     void handleEvent(const xcb_generic_event_t& event);
     void handleTopLevelEvent(const xcb_generic_event_t& event);
     void watch(const Layer& layer);
-    void drawRoot(xcb_render_picture_t target, const QRect& rect);
+    void drawRoot(xcb_render_picture_t target, const QRect& rect, const std::vector<Layer>& layers);
+    void learnRootColor(const std::vector<Layer>& layers);
     void drawLayer(xcb_render_picture_t target, const QRect& rect, const Layer& layer);
     xcb_render_pictformat_t formatOf(xcb_visualid_t visual) const;
     void tell(const QRect& rect) const;
@@ -63,6 +65,8 @@ private:
     bool m_isActive = false;
     uint8_t m_damageEvent = 0;
     std::unordered_map<xcb_visualid_t, xcb_render_pictformat_t> m_formats;
+    // What the root shows where it has no wallpaper, as far as it could be seen.
+    QColor m_rootColor = Qt::black;
     struct Watched {
         xcb_damage_damage_t damage = XCB_NONE;
         QRect rect;
