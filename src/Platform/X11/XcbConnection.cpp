@@ -43,14 +43,13 @@ XcbConnection::XcbConnection(xcb_connection_t* connection, int screenNumber)
     m_socketNotifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection),
                                                          QSocketNotifier::Read);
     connect(m_socketNotifier.get(), &QSocketNotifier::activated, this, [this] { processEvents(); });
-    // Waiting for a reply can take events off the socket, and nothing would then tell of them.
+    // Waiting for a reply can take events off the socket, and nothing would then tell of them. One
+    // of these comes before every wait of the loop, and before a turn that does not wait.
     if (auto* const dispatcher = QAbstractEventDispatcher::instance()) {
-        connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, [this] {
-            if (m_isDispatching) return;
-            while (dispatchBurst(xcb_poll_for_queued_event)) {
-            }
-            flush();
-        });
+        connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this,
+                &XcbConnection::processQueuedEvents);
+        connect(dispatcher, &QAbstractEventDispatcher::awake, this,
+                &XcbConnection::processQueuedEvents);
     }
 }
 
@@ -107,6 +106,13 @@ Subscription XcbConnection::onBurstEnd(std::function<void()> callback) {
 
 Subscription XcbConnection::onConnectionLost(std::function<void()> callback) {
     return m_connectionLost.subscribe(std::move(callback));
+}
+
+void XcbConnection::processQueuedEvents() {
+    if (m_isDispatching) return;
+    while (dispatchBurst(xcb_poll_for_queued_event)) {
+    }
+    flush();
 }
 
 void XcbConnection::processEvents() {

@@ -85,6 +85,7 @@ private:
 
     void internAtoms(int screenNumber);
     void processEvents();
+    void processQueuedEvents();
     template <typename Poll>
     bool dispatchBurst(Poll poll);
 
