@@ -7,7 +7,9 @@
 #include "Platform/X11/X11Desktop.h"
 
 #include <QApplication>
+#include <cstdio>
 #include <memory>
+#include <unistd.h>
 
 namespace {
 
@@ -26,6 +28,14 @@ void prepareToolkit() {
 bool hasDisplay(int argc, char** argv, QString* error) {
     const QCoreApplication application(argc, argv);
     return XcbConnection::open(error) != nullptr;
+}
+
+// While there is no dashboard, nothing on an empty screen would tell that Veyla runs.
+void greetTerminal() {
+    if (isatty(STDOUT_FILENO) == 0) return;
+    std::puts("Veyla is running. \"veyla create-mask\" makes a mask at the pointer, \"veyla --help\" "
+              "tells the rest.");
+    std::fflush(stdout);
 }
 
 CommandResult noDisplay(const QString& reason) {
@@ -66,6 +76,11 @@ CommandResult runVeyla(InstanceLock& lock, int argc, char** argv) {
                       workspaceDirectory()},
                      remoteControl);
         desktop->overlaySurfaces().releaseLeftovers();
+        const Subscription connectionLost = desktop->connection().onConnectionLost([&] {
+            log.write(QStringLiteral("Veyla has lost the X server, and its masks with it"));
+            mainLoop.quit(static_cast<int>(ExitStatus::nothingToActOn));
+        });
+        greetTerminal();
         status = app.run();
     }
     lock.release();
