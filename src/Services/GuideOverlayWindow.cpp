@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -43,6 +44,25 @@ void GuideView::paint(QPainter& painter, Size size) const {
     }
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.fillPath(lines, paintColor(lineColor));
+}
+
+std::optional<QList<Rect>> GuideView::paintedAreas(Size size) const {
+    // A line lies within its own width of the guide, however it falls on the pixels.
+    const auto strip = [](double position, double length) {
+        const double first = std::clamp(position - lineWidth, 0.0, length);
+        return std::pair(first, std::clamp(position + lineWidth, 0.0, length) - first);
+    };
+    QList<Rect> areas;
+    for (const GuideLine& guide : m_guides) {
+        if (guide.orientation == GuideLine::Orientation::vertical) {
+            const auto [x, width] = strip(guide.position, size.width);
+            areas.append({x, 0, width, size.height});
+        } else {
+            const auto [y, height] = strip(size.height - guide.position, size.height);
+            areas.append({0, y, size.width, height});
+        }
+    }
+    return areas;
 }
 
 GuideOverlayWindow::GuideOverlayWindow(OverlaySurfaces& surfaces)

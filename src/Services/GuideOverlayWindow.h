@@ -1,12 +1,12 @@
 #pragma once
 
-#include <memory>
-
-#include <QList>
-
 #include "Models/Geometry.h"
 #include "Platform/OverlaySurfaces.h"
 #include "Services/GuideLine.h"
+
+#include <QList>
+#include <memory>
+#include <optional>
 
 /// What the guide window shows: lines across the whole view. The guides are in the view's own
 /// coordinates, origin bottom-left, y upward.
@@ -16,6 +16,8 @@ public:
 
     const QList<GuideLine>& guides() const { return m_guides; }
     void paint(QPainter& painter, Size size) const override;
+    /// Strips along the guides, so that nothing else is hidden where transparency cannot be had.
+    std::optional<QList<Rect>> paintedAreas(Size size) const override;
 
 private:
     QList<GuideLine> m_guides;
