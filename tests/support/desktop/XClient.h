@@ -10,11 +10,11 @@
 #include <xcb/xcb.h>
 
 /// Frees what xcb returns.
-struct XcbFree {
+struct XcbMemoryFree {
     void operator()(void* memory) const { std::free(memory); }
 };
 template <typename T>
-using XcbPtr = std::unique_ptr<T, XcbFree>;
+using XcbPtr = std::unique_ptr<T, XcbMemoryFree>;
 
 /// A connection to an X server with the few requests that the test clients share. Independent of
 /// the program's own X11 code, so that one does not repeat the other's mistakes.
