@@ -55,6 +55,9 @@ XcbConnection::XcbConnection(xcb_connection_t* connection, int screenNumber)
 
 XcbConnection::~XcbConnection() {
     m_socketNotifier.reset();
+    // The server drops requests that it has not read when it cannot deliver an event to a closed
+    // connection; one of them may be what takes the windows off the screen.
+    xcbReply(xcb_get_input_focus_reply, m_connection, xcb_get_input_focus(m_connection));
     xcb_disconnect(m_connection);
 }
 

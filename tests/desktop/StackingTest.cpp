@@ -1,0 +1,165 @@
+#include "desktop/VeylaTest.h"
+#include "support/desktop/WindowManager.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+class Stacking : public VeylaTest {
+protected:
+    explicit Stacking(const DesktopSession::Options& options = {}) : VeylaTest(options) {}
+
+    QUuid startWithMask() {
+        const QUuid mask = addMask({100, 500, 200, 100});
+        start();
+        return mask;
+    }
+
+    testing::AssertionResult staysAbove(const QUuid& mask, xcb_window_t other) {
+        if (!waitUntil([&] { return probe.isAbove(windowOf(mask)->id, other); }))
+            return testing::AssertionFailure() << "the mask is below";
+        return becomesPainted(mask);
+    }
+
+    /// What another program may do to a mask, and what must be left of it.
+    void mendsWhatOthersDo(const QUuid& mask, xcb_window_t over) {
+        struct Row {
+            const char* name;
+            std::function<void(xcb_window_t)> attack;
+        };
+        for (const auto& [name, attack] : {
+                 Row{"lowered", [&](xcb_window_t window) { neighbour.lower(window); }},
+                 Row{"unmapped", [&](xcb_window_t window) { neighbour.unmap(window); }},
+                 Row{"destroyed", [&](xcb_window_t window) { neighbour.destroy(window); }},
+                 Row{"destroyed again", [&](xcb_window_t window) { neighbour.destroy(window); }},
+                 Row{"moved",
+                     [&](xcb_window_t window) {
+                         neighbour.move(window, {150, 150, 300, 160});
+                     }},
+             }) {
+            SCOPED_TRACE(name);
+            attack(windowOf(mask)->id);
+            EXPECT_TRUE(waitUntil(
+                [&] { return isEveryMaskShownOnce() && probe.isAbove(windowOf(mask)->id, over); }));
+            EXPECT_TRUE(becomesPainted(mask));
+        }
+        // Who moves a mask from outside moves it for good, and the model knows.
+        EXPECT_TRUE(comesTo(mask, {150, 150, 300, 160}));
+        EXPECT_EQ(frameOf(mask), (Rect{150, 490, 300, 160}));
+        input.drag(middleOf(mask), middleOf(mask) + QPoint(40, 30));
+        EXPECT_TRUE(comesTo(mask, {190, 180, 300, 160}));
+    }
+};
+
+class StackingWithoutManager : public Stacking {
+protected:
+    StackingWithoutManager() : Stacking({.windowManager = {}}) {}
+};
+
+}  // namespace
+
+TEST_F(Stacking, IsAboveEveryKindOfWindow) {
+    const QUuid mask = startWithMask();
+    struct Row {
+        const char* name;
+        NeighbourClient::WindowOptions options;
+        QString state;
+    };
+    const QRect over(50, 150, 400, 300);
+    for (const auto& [name, options, state] : {
+             Row{"override-redirect", {.frame = over, .isOverrideRedirect = true}, {}},
+             Row{"managed", {.frame = over}, {}},
+             Row{"above", {.frame = over}, u"_NET_WM_STATE_ABOVE"_s},
+             Row{"full screen", {.frame = over}, u"_NET_WM_STATE_FULLSCREEN"_s},
+             Row{"dock", {.frame = over, .windowType = u"_NET_WM_WINDOW_TYPE_DOCK"_s}, {}},
+             Row{"notification",
+                 {.frame = over, .windowType = u"_NET_WM_WINDOW_TYPE_NOTIFICATION"_s},
+                 {}},
+         }) {
+        SCOPED_TRACE(name);
+        const xcb_window_t window = neighbour.open(options);
+        if (!state.isEmpty()) {
+            neighbour.requestState(window, state);
+            ASSERT_TRUE(
+                waitUntil([&] { return !probe.numbersOf(window, u"_NET_WM_STATE"_s).empty(); }));
+        }
+        EXPECT_TRUE(staysAbove(mask, window));
+        neighbour.requestActivation(window);
+        neighbour.raise(window);
+        EXPECT_TRUE(staysAbove(mask, window));
+    }
+}
+
+TEST_F(StackingWithoutManager, IsAboveEveryWindowAndMendsWhatOthersDo) {
+    const xcb_window_t earlier = neighbour.open({.frame = {0, 0, 600, 500}});
+    const QUuid mask = startWithMask();
+    const xcb_window_t later = neighbour.open({.frame = {50, 50, 600, 500}});
+    EXPECT_TRUE(staysAbove(mask, later));
+    for (const xcb_window_t window : {earlier, later, earlier}) {
+        neighbour.raise(window);
+        EXPECT_TRUE(staysAbove(mask, window));
+    }
+    mendsWhatOthersDo(mask, later);
+}
+
+TEST_F(Stacking, MendsWhatOthersDoToAMask) {
+    const xcb_window_t backdrop = openBackdrop();
+    mendsWhatOthersDo(startWithMask(), backdrop);
+}
+
+TEST_F(Stacking, OutlastsAWindowThatRaisesItselfForEver) {
+    const QUuid mask = startWithMask();
+    const xcb_window_t hostile = neighbour.open(
+        {.frame = {50, 150, 400, 300}, .isOverrideRedirect = true, .title = u"Hostile"_s});
+    const xcb_window_t window = windowOf(mask)->id;
+    // As soon as it is covered it raises itself, a hundred times.
+    for (int i = 0; i < 100; ++i) {
+        ASSERT_TRUE(waitUntil([&] { return probe.isAbove(window, hostile); })) << i;
+        neighbour.raise(hostile);
+    }
+    EXPECT_TRUE(staysAbove(mask, hostile));
+    const QByteArray log = process->standardError();
+    EXPECT_EQ(log.count('\n'), 1) << log.constData();
+    EXPECT_TRUE(log.contains("\"Hostile\"")) << log.constData();
+}
+
+TEST_F(Stacking, SurvivesANewManagerAndCompositorsThatComeAndGo) {
+    const xcb_window_t backdrop = openBackdrop();
+    const QUuid mask = addMask({100, 500, 200, 100});
+    const QUuid passing = addMask({500, 500, 200, 100}, Qt::blue);
+    workspace.masks.last().isClickThrough = true;
+    workspace.masks.append(workspace.masks.first());
+    workspace.masks.last().id = QUuid::createUuid();
+    workspace.masks.last().isVisible = false;
+    start();
+
+    std::unique_ptr<WindowManager> second;
+    struct Row {
+        const char* name;
+        std::function<void()> change;
+    };
+    for (const auto& [name, change] : {
+             Row{"compositor started", [&] { desktop.startCompositor(); }},
+             Row{"manager replaced under a compositor",
+                 [&] {
+                     second = std::make_unique<WindowManager>(
+                         desktop.environment(), QStringList{u"openbox"_s, u"--replace"_s});
+                 }},
+             Row{"compositor stopped", [&] { desktop.stopCompositor(); }},
+             Row{"manager gone", [&] { second.reset(); }},
+             Row{"manager started", [&] { desktop.changeWindowManager({u"openbox"_s}); }},
+         }) {
+        SCOPED_TRACE(name);
+        change();
+        const xcb_window_t intruder =
+            neighbour.open({.frame = {300, 150, 400, 300}, .color = Qt::green});
+        EXPECT_TRUE(waitUntil([&] {
+            return isEveryMaskShownOnce() && probe.isAbove(windowOf(mask)->id, backdrop) &&
+                   probe.isAbove(windowOf(mask)->id, intruder) && isPainted(mask) &&
+                   isPainted(passing);
+        }));
+        EXPECT_TRUE(probe.inputShape(windowOf(passing)->id).isEmpty());
+        EXPECT_FALSE(probe.inputShape(windowOf(mask)->id).isEmpty());
+        neighbour.destroy(intruder);
+    }
+}
