@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int rounds = 40;
+constexpr int rounds = 120;
 constexpr int stepsPerRound = 50;
 
 // The window that is dragged, in pixels from the top left of a display of 1280 by 800. Far enough

@@ -47,6 +47,7 @@ public:
     std::unique_ptr<NativeOverlayWindow> replaceWindow(std::unique_ptr<NativeOverlayWindow> window);
 
 private:
+    void noteChange();
     void paint(QSize size);
     void tellDelegate(const Rect& previous);
 
@@ -62,6 +63,7 @@ private:
     bool m_hasAppliedPassThrough = false;
     bool m_hasBoundingAreas = false;
     bool m_isShown = false;
+    bool m_needsApplying = true;
     bool m_needsPainting = true;
     double m_scaleFactor = 1;
     std::uint64_t m_raiseNumber = 0;
