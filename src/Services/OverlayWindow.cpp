@@ -63,6 +63,7 @@ Rect OverlayWindow::frame() const { return m_surface->frame(); }
 void OverlayWindow::setFrame(const Rect& frame) { m_surface->setFrame(frame); }
 
 void OverlayWindow::setContentView(const OverlayMaskView& view) {
+    if (m_contentView == view) return;
     const bool needsPainting = !m_contentView || !view.paintsLike(*m_contentView);
     const bool needsDescription =
         !m_contentView || view.accessibleDescription() != m_contentView->accessibleDescription();

@@ -23,8 +23,13 @@ X11OverlaySurface::~X11OverlaySurface() {
 void X11OverlaySurface::setFrame(const Rect& frame) {
     const Rect previous = std::exchange(m_description.frame, frame);
     if (previous == frame) return;
-    m_owner.noteChange(*this);
+    noteChange();
     tellDelegate(previous);
+}
+
+void X11OverlaySurface::noteChange() {
+    m_needsApplying = true;
+    m_owner.noteChange();
 }
 
 void X11OverlaySurface::tellDelegate(const Rect& previous) {
@@ -39,7 +44,7 @@ void X11OverlaySurface::tellDelegate(const Rect& previous) {
 void X11OverlaySurface::setContent(std::shared_ptr<const SurfaceContent> content) {
     m_content = std::move(content);
     m_needsPainting = true;
-    m_owner.noteChange(*this);
+    noteChange();
 }
 
 void X11OverlaySurface::setAccessibleDescription(const AccessibleDescription& description) {
@@ -49,15 +54,15 @@ void X11OverlaySurface::setAccessibleDescription(const AccessibleDescription& de
 }
 
 void X11OverlaySurface::setIgnoresMouseEvents(bool ignores) {
-    if (std::exchange(m_ignoresMouseEvents, ignores) != ignores) m_owner.noteChange(*this);
+    if (std::exchange(m_ignoresMouseEvents, ignores) != ignores) noteChange();
 }
 
 void X11OverlaySurface::setCursor(CursorShape shape) {
-    if (std::exchange(m_cursor, shape) != shape) m_owner.noteChange(*this);
+    if (std::exchange(m_cursor, shape) != shape) noteChange();
 }
 
 void X11OverlaySurface::orderFront() {
-    m_isShown = true;
+    m_needsApplying |= !std::exchange(m_isShown, true);
     m_raiseNumber = m_owner.nextRaiseNumber();
     m_owner.noteOrder();
 }
@@ -69,6 +74,7 @@ void X11OverlaySurface::orderOut() {
 }
 
 void X11OverlaySurface::apply(const DesktopSpace& space) {
+    if (!std::exchange(m_needsApplying, false)) return;
     const double scaleFactor = space.scaleFactorAt(m_description.frame);
     const QRect rect = space.toNative(m_description.frame);
     const bool isRescaled = std::exchange(m_scaleFactor, scaleFactor) != scaleFactor;
@@ -129,6 +135,7 @@ QImage X11OverlaySurface::paintPart(const QRect& part, Size points,
 
 void X11OverlaySurface::followScreens(const QList<ScreenInfo>& oldScreens,
                                       const DesktopSpace& space) {
+    m_needsApplying = true;
     // Where the screen itself is gone, the window is still where it was in pixels.
     m_description.frame = rectFollowingItsScreen(m_description.frame, oldScreens, space.screens())
                               .value_or(space.toGlobal(m_window->rect()));
@@ -138,12 +145,13 @@ void X11OverlaySurface::adoptForeignRect(const QRect& rect, const DesktopSpace& 
     m_window->noteForeignRect(rect);
     m_needsPainting = true;
     const Rect previous = std::exchange(m_description.frame, space.toGlobal(rect));
-    m_owner.noteChange(*this);
+    noteChange();
     if (previous != m_description.frame) tellDelegate(previous);
 }
 
 std::unique_ptr<NativeOverlayWindow> X11OverlaySurface::replaceWindow(
     std::unique_ptr<NativeOverlayWindow> window) {
+    m_needsApplying = true;
     m_needsPainting = true;
     m_hasAppliedPassThrough = false;
     m_hasBoundingAreas = false;

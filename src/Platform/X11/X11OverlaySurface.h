@@ -42,7 +42,10 @@ public:
     /// Paints what is shown again, on what lies below it now.
     void repaint() { if (m_isShown && m_content) paint(m_window->rect()); }
     /// Lets the next `apply` paint.
-    void requirePainting() { m_needsPainting = true; }
+    void requirePainting() {
+        m_needsPainting = true;
+        m_needsApplying = true;
+    }
     /// Takes over where the window is after the screens changed; the delegate is not told.
     void followScreens(const QList<ScreenInfo>& oldScreens, const DesktopSpace& space);
     /// Takes over where another program put the window, and tells the delegate.
@@ -51,6 +54,7 @@ public:
     std::unique_ptr<NativeOverlayWindow> replaceWindow(std::unique_ptr<NativeOverlayWindow> window);
 
 private:
+    void noteChange();
     void paint(const QRect& rect);
     QImage paintPart(const QRect& part, Size points, const std::optional<QImage>& backdrop) const;
     void tellDelegate(const Rect& previous);
@@ -67,6 +71,7 @@ private:
     bool m_hasAppliedPassThrough = false;
     bool m_hasBoundingAreas = false;
     bool m_isShown = false;
+    bool m_needsApplying = true;
     bool m_needsPainting = true;
     double m_scaleFactor = 1;
     std::uint64_t m_raiseNumber = 0;

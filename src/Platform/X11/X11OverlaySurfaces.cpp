@@ -67,7 +67,7 @@ void X11OverlaySurfaces::forget(X11OverlaySurface& surface) {
     noteOrder();
 }
 
-void X11OverlaySurfaces::noteChange(X11OverlaySurface& /*surface*/) {
+void X11OverlaySurfaces::noteChange() {
     m_needsApply = true;
     commitUnlessBatched();
 }

@@ -65,7 +65,7 @@ private:
 
     // What a surface tells and asks of its owner.
     void forget(X11OverlaySurface& surface);
-    void noteChange(X11OverlaySurface& surface);
+    void noteChange();
     void noteOrder();
     void describe(X11OverlaySurface& surface, const AccessibleDescription& description);
     void endGestureOf(X11OverlaySurface& surface);

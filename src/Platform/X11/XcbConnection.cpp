@@ -113,16 +113,16 @@ Subscription XcbConnection::onConnectionLost(std::function<void()> callback) {
 
 void XcbConnection::processQueuedEvents() {
     if (m_isDispatching) return;
-    while (dispatchBurst(xcb_poll_for_queued_event)) {
-    }
+    dispatchQueued();
     flush();
 }
 
 void XcbConnection::processEvents() {
     if (m_isDispatching) return;
+    // One reading of the socket: should it hold more, the notifier tells again.
+    dispatchBurst(xcb_poll_for_event(m_connection));
     // What the handlers wait for may bring further events with it.
-    while (dispatchBurst(xcb_poll_for_event)) {
-    }
+    dispatchQueued();
     flush();
     if (xcb_connection_has_error(m_connection)) {
         m_socketNotifier->setEnabled(false);
@@ -130,22 +130,22 @@ void XcbConnection::processEvents() {
     }
 }
 
-template <typename Poll>
-bool XcbConnection::dispatchBurst(Poll poll) {
-    bool hasEvents = false;
+void XcbConnection::dispatchQueued() {
+    while (auto* const first = xcb_poll_for_queued_event(m_connection)) dispatchBurst(first);
+}
+
+void XcbConnection::dispatchBurst(xcb_generic_event_t* first) {
+    if (!first) return;
     m_isDispatching = true;
-    while (const XcbReply<xcb_generic_event_t> event{poll(m_connection)}) {
-        hasEvents = true;
+    XcbReply<xcb_generic_event_t> event(first);
+    while (event) {
         const bool isError = event->response_type == 0;
-        if (isError) continue;
-        m_event.set(event.get());
+        if (!isError) m_event.set(event.get());
+        event.reset(xcb_poll_for_queued_event(m_connection));
     }
-    if (hasEvents) {
-        m_event.set(nullptr);
-        m_burstEnd.notify();
-    }
+    m_event.set(nullptr);
+    m_burstEnd.notify();
     m_isDispatching = false;
-    return hasEvents;
 }
 
 std::vector<uint32_t> XcbConnection::property32(xcb_window_t window, xcb_atom_t property) const {

@@ -86,8 +86,8 @@ private:
     void internAtoms(int screenNumber);
     void processEvents();
     void processQueuedEvents();
-    template <typename Poll>
-    bool dispatchBurst(Poll poll);
+    void dispatchQueued();
+    void dispatchBurst(xcb_generic_event_t* first);
 
     xcb_connection_t* m_connection;
     xcb_screen_t* m_screen = nullptr;

@@ -1,0 +1,68 @@
+// What Veyla costs while nobody touches anything: processor time, wake-ups and memory with ten
+// masks on screen.
+
+#include "benchmarks/support/DisplayObserver.h"
+#include "benchmarks/support/MaskRows.h"
+#include "benchmarks/support/ProcessUsage.h"
+#include "benchmarks/support/ProgramOnDesktop.h"
+#include "benchmarks/support/Samples.h"
+#include "support/desktop/Wait.h"
+
+#include <optional>
+#include <thread>
+
+namespace {
+
+constexpr int maskCount = 10;
+constexpr std::chrono::seconds idleTime{10};
+// Longer than the program waits before it saves after its start.
+constexpr std::chrono::seconds settlingTime{2};
+
+/// A Veyla whose masks are on screen and that has done what a start brings with it.
+class IdleVeyla {
+public:
+    IdleVeyla() {
+        storeWorkspace(m_desktop, rowsOfMasks(maskCount));
+        DisplayObserver observer(m_desktop.displayName());
+        m_program = startVeyla(m_desktop);
+        for (int mask = 0; mask < maskCount; ++mask)
+            observer.waitForMap();
+        std::this_thread::sleep_for(settlingTime);
+    }
+
+    pid_t pid() const { return m_program->pid(); }
+
+private:
+    DesktopSession m_desktop{quietDesktop()};
+    std::unique_ptr<ChildProcess> m_program;
+};
+
+void measureIdle(benchmark::State& state, double ProcessUsage::*figure) {
+    const IdleVeyla veyla;
+    const ProcessUsage before = ProcessUsage::of(veyla.pid());
+    for (auto iteration : state)
+        std::this_thread::sleep_for(idleTime);
+    const ProcessUsage after = ProcessUsage::of(veyla.pid());
+    reportTarget(state, after.*figure - before.*figure, 0);
+}
+
+void memory(benchmark::State& state) {
+    const IdleVeyla veyla;
+    double mebibytes = 0;
+    for (auto iteration : state)
+        mebibytes = proportionalMemory(veyla.pid());
+    reportTarget(state, mebibytes, 40);
+    state.SetLabel("MiB");
+}
+
+BENCHMARK_CAPTURE(measureIdle, processorMilliseconds, &ProcessUsage::processorMilliseconds)
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(measureIdle, wakeUps, &ProcessUsage::sleeps)
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(memory)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();

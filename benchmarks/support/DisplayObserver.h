@@ -1,0 +1,25 @@
+#pragma once
+
+#include "support/desktop/XTestInput.h"
+
+#include <chrono>
+
+/// Watches the top-level windows of a display, and moves its pointer, on one connection.
+class DisplayObserver : public XTestInput {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    /// Sees everything that happens to top-level windows from here on.
+    explicit DisplayObserver(const QString& displayName);
+
+    /// Waits for the next window to be mapped and returns it. Throws std::runtime_error when none
+    /// is for ten seconds.
+    xcb_window_t waitForMap();
+    /// Sends a motion of the pointer and returns how long it takes until the window has moved.
+    /// Throws std::runtime_error when it does not within ten seconds.
+    Clock::duration timeUntilMoved(xcb_window_t window, QPoint pointer);
+
+private:
+    template <typename Event>
+    Event waitFor(std::uint8_t type, xcb_window_t window);
+};

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <sys/types.h>
+
+/// What a process has used since it started, all threads together, as the kernel counts it.
+struct ProcessUsage {
+    double processorMilliseconds = 0;
+    /// How often a thread went to sleep by itself; each time something had woken it.
+    double sleeps = 0;
+
+    /// Throws std::runtime_error when there is no such process.
+    static ProcessUsage of(pid_t process);
+};
+
+/// The memory of a process in MiB, pages that it shares with others in part. Throws
+/// std::runtime_error when it cannot be told.
+double proportionalMemory(pid_t process);
