@@ -85,12 +85,19 @@ void X11OverlaySurfaces::commit() {
     if (std::exchange(m_needsApply, false)) {
         const DesktopSpace& space = m_services.screens.space();
         for (X11OverlaySurface* surface : m_surfaces) surface->apply(space);
+        tellPlaces();
     }
     if (std::exchange(m_needsOrder, false)) {
         applyOrder();
         updateCloseDownMode();
     }
     m_connection.flush();
+}
+
+void X11OverlaySurfaces::tellPlaces() {
+    if (!m_services.accessibility) return;
+    for (const X11OverlaySurface* surface : m_surfaces)
+        m_services.accessibility->place(*surface, surface->window().rect(), surface->isShown());
 }
 
 std::vector<X11OverlaySurface*> X11OverlaySurfaces::shownInOrder() const {
@@ -125,10 +132,6 @@ void X11OverlaySurfaces::applyOrder() {
     for (X11OverlaySurface* surface : m_surfaces)
         if (!surface->isShown()) surface->window().unmap();
     m_stack = std::move(stack);
-
-    if (!m_services.accessibility) return;
-    for (const X11OverlaySurface* surface : m_surfaces)
-        m_services.accessibility->place(*surface, surface->window().rect(), surface->isShown());
 }
 
 void X11OverlaySurfaces::updateCloseDownMode() {
