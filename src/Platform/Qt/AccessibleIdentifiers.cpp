@@ -2,6 +2,7 @@
 
 #include <QDBusArgument>
 #include <QDBusConnection>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QVariant>
@@ -21,17 +22,36 @@ QDBusConnection accessibilityBus() {
     return QDBusConnection(QStringLiteral("a11y"));
 }
 
-/// Null for the application itself and for paths that lead nowhere.
-QAccessibleInterface* elementAt(const QString& path) {
+struct Target {
+    // Null for the application and for an element that is gone.
+    const QAccessibleInterface* element = nullptr;
+    bool isGone = false;
+
+    QString identifier() const {
+        const QObject* const object = element ? element->object() : nullptr;
+        return object ? accessibleIdentifier(*object) : QString();
+    }
+};
+
+Target targetOf(const QDBusMessage& message) {
     bool isNumber = false;
-    const auto id = path.section(u'/', -1).toUInt(&isNumber);
-    return isNumber ? QAccessible::accessibleInterface(id) : nullptr;
+    const auto id = message.path().section(u'/', -1).toUInt(&isNumber);
+    if (!isNumber) return {};
+    const QAccessibleInterface* const element = QAccessible::accessibleInterface(id);
+    if (!element || !element->isValid()) return {nullptr, true};
+    return {element, false};
 }
 
-QString identifierAt(const QString& path) {
-    const QAccessibleInterface* const element = elementAt(path);
-    const QObject* const object = element && element->isValid() ? element->object() : nullptr;
-    return object ? accessibleIdentifier(*object) : QString();
+QVariant attributes(const QString& identifier) {
+    QDBusArgument map;
+    map.beginMap(QMetaType::fromType<QString>(), QMetaType::fromType<QString>());
+    if (!identifier.isEmpty()) {
+        map.beginMapEntry();
+        map << QStringLiteral("id") << identifier;
+        map.endMapEntry();
+    }
+    map.endMap();
+    return QVariant::fromValue(map);
 }
 
 }  // namespace
@@ -79,34 +99,37 @@ QString AccessibleIdentifiers::introspect(const QString& path) const {
 
 bool AccessibleIdentifiers::handleMessage(const QDBusMessage& message,
                                           const QDBusConnection& connection) {
-    if (message.interface() == propertiesInterface && answerProperties(message, connection))
-        return true;
-    if (message.interface() == accessibleInterface &&
-        message.member() == QLatin1StringView("GetAttributes")) {
-        // Qt knows none.
-        const QString identifier = identifierAt(message.path());
-        QDBusArgument attributes;
-        attributes.beginMap(QMetaType::fromType<QString>(), QMetaType::fromType<QString>());
-        if (!identifier.isEmpty()) {
-            attributes.beginMapEntry();
-            attributes << QStringLiteral("id") << identifier;
-            attributes.endMapEntry();
-        }
-        attributes.endMap();
-        connection.send(message.createReply(QVariant::fromValue(attributes)));
+    if (const auto answer = answerTo(message)) {
+        connection.send(*answer);
         return true;
     }
     return m_toolkit && m_toolkit->handleMessage(message, connection);
 }
 
-bool AccessibleIdentifiers::answerProperties(const QDBusMessage& message,
-                                             const QDBusConnection& connection) const {
-    const QVariantList arguments = message.arguments();
-    if (message.member() != QLatin1StringView("Get") || arguments.size() != 2 ||
-        arguments.at(0).toString() != accessibleInterface ||
-        arguments.at(1).toString() != QLatin1StringView("AccessibleId"))
-        return false;
-    const QDBusVariant identifier(identifierAt(message.path()));
-    connection.send(message.createReply(QVariant::fromValue(identifier)));
-    return true;
+std::optional<QDBusMessage> AccessibleIdentifiers::answerTo(const QDBusMessage& message) {
+    // A client may ask for what it has not yet heard to be gone. Qt would complain of it.
+    const Target target = targetOf(message);
+    if (target.isGone)
+        return message.createErrorReply(QDBusError::UnknownObject,
+                                        QStringLiteral("The element is gone."));
+
+    const QString member = message.member();
+    if (message.interface() == accessibleInterface) {
+        // Qt knows no attributes.
+        if (member == QLatin1StringView("GetAttributes"))
+            return message.createReply(attributes(target.identifier()));
+    } else if (message.interface() == propertiesInterface) {
+        const QVariantList arguments = message.arguments();
+        const bool isGet = member == QLatin1StringView("Get") && arguments.size() == 2;
+        const bool isSet = member == QLatin1StringView("Set") && arguments.size() == 3;
+        // Qt 6.4 reads past the end of the arguments of any other call, and crashes.
+        if (!isGet && !isSet)
+            return message.createErrorReply(QDBusError::UnknownMethod,
+                                            QStringLiteral("Properties can be read one by one."));
+        if (isGet && arguments.at(0).toString() == accessibleInterface &&
+            arguments.at(1).toString() == QLatin1StringView("AccessibleId"))
+            return message.createReply(
+                QVariant::fromValue(QDBusVariant(QVariant(target.identifier()))));
+    }
+    return std::nullopt;
 }
