@@ -1,7 +1,9 @@
 #include "VeylaApp.h"
 
 #include "App/WorkspaceLocation.h"
+#include "Platform/Qt/AccessibleIdentifiers.h"
 #include "Platform/Qt/AtSpiAnnouncer.h"
+#include "Platform/Qt/OverlayAccessibility.h"
 #include "Platform/Qt/QtMainLoop.h"
 #include "Platform/Qt/StderrLog.h"
 #include "Platform/X11/X11Desktop.h"
@@ -69,7 +71,9 @@ CommandResult runVeyla(InstanceLock& lock, int argc, char** argv) {
     RemoteControlService remoteControl(log);
     int status = 0;
     {
-        const auto desktop = X11Desktop::open(mainLoop, log, nullptr, &error);
+        const AccessibleIdentifiers identifiers;
+        OverlayAccessibility accessibility;
+        const auto desktop = X11Desktop::open(mainLoop, log, &accessibility, &error);
         if (!desktop) return noDisplay(error);
         AtSpiAnnouncer announcer;
         VeylaApp app({mainLoop, desktop->screens(), desktop->overlaySurfaces(), announcer, log,

@@ -97,6 +97,7 @@ void X11OverlaySurfaces::commit() {
     if (std::exchange(m_needsApply, false)) {
         const DesktopSpace& space = m_services.screens.space();
         for (X11OverlaySurface* surface : m_surfaces) surface->apply(space);
+        tellPlaces();
     }
     if (std::exchange(m_needsOrder, false)) {
         applyOrder();
@@ -105,6 +106,12 @@ void X11OverlaySurfaces::commit() {
     }
     m_layers.reset();
     m_connection.flush();
+}
+
+void X11OverlaySurfaces::tellPlaces() {
+    if (!m_services.accessibility) return;
+    for (const X11OverlaySurface* surface : m_surfaces)
+        m_services.accessibility->place(*surface, surface->window().rect(), surface->isShown());
 }
 
 std::vector<X11OverlaySurface*> X11OverlaySurfaces::shownInOrder() const {
@@ -143,10 +150,6 @@ void X11OverlaySurfaces::applyOrder() {
         noteBackdropChange(surface->window().rect());
     }
     m_stack = std::move(stack);
-
-    if (!m_services.accessibility) return;
-    for (const X11OverlaySurface* surface : m_surfaces)
-        m_services.accessibility->place(*surface, surface->window().rect(), surface->isShown());
 }
 
 void X11OverlaySurfaces::updateCloseDownMode() {

@@ -79,6 +79,7 @@ private:
 
     void commitUnlessBatched();
     void commit();
+    void tellPlaces();
     void applyOrder();
     void updateCloseDownMode();
     void handleEvent(const xcb_generic_event_t& event);
