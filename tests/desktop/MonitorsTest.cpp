@@ -47,6 +47,16 @@ TEST_F(Monitors, APanelKeepsMasksOffOnItsOwnMonitorOnly) {
     }));
 }
 
+TEST_F(Monitors, AreasThatTheDesktopTellsOfCountForTheirMonitor) {
+    const QUuid mask = addMask({700, 690, 200, 100});
+    start();
+    EXPECT_TRUE(comesTo(mask, {700, 10, 200, 100}));
+    neighbour.setNumbers(neighbour.root(), u"_GTK_WORKAREAS_D0"_s, u"CARDINAL"_s,
+                         {0, 30, 640, 770, 640, 50, 640, 750});
+    neighbour.setNumbers(neighbour.root(), u"_NET_WORKAREA"_s, u"CARDINAL"_s, {0, 30, 1280, 770});
+    EXPECT_TRUE(comesTo(mask, {700, 50, 200, 100}));
+}
+
 TEST_F(Monitors, AMaskMovesToTheMonitorThatIsLeft) {
     const QUuid resting = addMask({700, 300, 200, 100});
     const QUuid staying = addMask({100, 300, 200, 100}, Qt::blue);

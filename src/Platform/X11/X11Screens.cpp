@@ -82,8 +82,12 @@ void X11Screens::refresh() {
     const QSize root = rootSize();
     QList<NativeScreen> monitors = readMonitors();
     const QList<PanelStrut> panels = readPanels(root);
-    for (NativeScreen& monitor : monitors)
+    const QList<QRect> workAreas = readWorkAreas(monitors.size());
+    for (NativeScreen& monitor : monitors) {
         monitor.visibleFrame = visibleFrameBesidePanels(monitor.frame, panels, root);
+        for (const QRect& area : workAreas)
+            if (area.intersects(monitor.visibleFrame)) monitor.visibleFrame &= area;
+    }
 
     DesktopSpace space(std::move(monitors), root);
     if (space == m_space) return;
@@ -107,7 +111,8 @@ void X11Screens::handleEvent(const xcb_generic_event_t& event) {
         const auto& property = reinterpret_cast<const xcb_property_notify_event_t&>(event);
         const bool isRoot = property.window == m_connection.root();
         m_needsRefresh |= isRoot && (property.atom == atoms.netClientList ||
-                                     property.atom == atoms.netWorkarea);
+                                     property.atom == atoms.netWorkarea ||
+                                     property.atom == atoms.netCurrentDesktop);
         m_needsRefresh |= !isRoot && (property.atom == atoms.netWmStrut ||
                                       property.atom == atoms.netWmStrutPartial);
     }
@@ -170,6 +175,36 @@ QList<PanelStrut> X11Screens::readPanels(QSize root) {
             panels.append(strutFrom(values, geometryOf(geometry, inRoot), root));
     }
     return panels;
+}
+
+// Some desktops draw their panels without windows that could ask for space. They tell what is left
+// of each monitor in a property of their own; the standard one has a single area for everything,
+// which says enough only where there is a single monitor.
+QList<QRect> X11Screens::readWorkAreas(qsizetype monitorCount) const {
+    const X11Atoms& atoms = m_connection.atoms();
+    const xcb_window_t root = m_connection.root();
+    // What a window manager that is gone has left behind does not count.
+    const auto check = m_connection.property32(root, atoms.netSupportingWmCheck);
+    if (check.empty() ||
+        m_connection.property32(check.front(), atoms.netSupportingWmCheck) != check)
+        return {};
+    const auto desktop = m_connection.property32(root, atoms.netCurrentDesktop);
+    const uint32_t current = desktop.empty() ? 0 : desktop.front();
+
+    auto values = m_connection.property32(
+        root, m_connection.atom("_GTK_WORKAREAS_D" + QByteArray::number(current)));
+    if (values.empty() && monitorCount == 1) {
+        const auto everyDesktop = m_connection.property32(root, atoms.netWorkarea);
+        const std::size_t first = std::size_t{4} * current;
+        if (everyDesktop.size() >= first + 4)
+            values.assign(everyDesktop.begin() + static_cast<std::ptrdiff_t>(first),
+                          everyDesktop.begin() + static_cast<std::ptrdiff_t>(first) + 4);
+    }
+    QList<QRect> areas;
+    for (std::size_t i = 0; i + 3 < values.size(); i += 4)
+        areas.append(QRect(static_cast<int>(values[i]), static_cast<int>(values[i + 1]),
+                           static_cast<int>(values[i + 2]), static_cast<int>(values[i + 3])));
+    return areas;
 }
 
 QSize X11Screens::rootSize() const {

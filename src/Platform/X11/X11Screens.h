@@ -33,6 +33,7 @@ private:
     void handleEvent(const xcb_generic_event_t& event);
     QList<NativeScreen> readMonitors() const;
     QList<PanelStrut> readPanels(QSize root);
+    QList<QRect> readWorkAreas(qsizetype monitorCount) const;
     QSize rootSize() const;
 
     XcbConnection& m_connection;

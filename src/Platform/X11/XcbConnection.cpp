@@ -170,6 +170,15 @@ QByteArray XcbConnection::property8(xcb_window_t window, xcb_atom_t property) co
             xcb_get_property_value_length(reply.get())};
 }
 
+xcb_atom_t XcbConnection::atom(const QByteArray& name) const {
+    constexpr uint8_t onlyIfExists = 1;
+    const auto reply = xcbReply(xcb_intern_atom_reply, m_connection,
+                                xcb_intern_atom(m_connection, onlyIfExists,
+                                                static_cast<uint16_t>(name.size()),
+                                                name.constData()));
+    return reply ? reply->atom : xcb_atom_t{XCB_NONE};
+}
+
 bool XcbConnection::hasExtension(xcb_extension_t& extension) const {
     const auto* const data = xcb_get_extension_data(m_connection, &extension);
     return data && data->present;

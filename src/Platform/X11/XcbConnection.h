@@ -77,6 +77,8 @@ public:
     std::vector<uint32_t> property32(xcb_window_t window, xcb_atom_t property) const;
     /// The bytes of a property of 8-bit items; empty when it is absent or of another format.
     QByteArray property8(xcb_window_t window, xcb_atom_t property) const;
+    /// The atom of a name that is only rarely needed; XCB_NONE when nobody has made it yet.
+    xcb_atom_t atom(const QByteArray& name) const;
     /// Whether the server has an extension, by its protocol name.
     bool hasExtension(xcb_extension_t& extension) const;
 
