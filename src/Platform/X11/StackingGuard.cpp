@@ -1,5 +1,6 @@
 #include "Platform/X11/StackingGuard.h"
 
+#include <QRect>
 #include <algorithm>
 #include <unordered_set>
 #include <utility>
@@ -11,6 +12,34 @@ constexpr std::size_t mostRaisesPerSecond = 40;
 constexpr std::chrono::seconds contestWindow{1};
 // How long to wait before the next raise in a contest.
 constexpr std::chrono::milliseconds contestDelay{50};
+
+/// What was asked about a window, to be taken later, so that many requests travel together.
+struct WindowRequest {
+    WindowRequest(xcb_connection_t* connection, xcb_window_t asked)
+        : window(asked),
+          attributes(xcb_get_window_attributes(connection, asked)),
+          geometry(xcb_get_geometry(connection, asked)) {}
+
+    xcb_window_t window;
+    xcb_get_window_attributes_cookie_t attributes;
+    xcb_get_geometry_cookie_t geometry;
+};
+
+struct WindowState {
+    WindowState(xcb_connection_t* connection, const WindowRequest& request) {
+        const auto attributes =
+            xcbReply(xcb_get_window_attributes_reply, connection, request.attributes);
+        const auto geometry = xcbReply(xcb_get_geometry_reply, connection, request.geometry);
+        if (!attributes || !geometry) return;
+        const int border = 2 * geometry->border_width;
+        rect = {geometry->x, geometry->y, geometry->width + border, geometry->height + border};
+        isVisible = attributes->map_state == XCB_MAP_STATE_VIEWABLE &&
+                    attributes->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT;
+    }
+
+    QRect rect;
+    bool isVisible = false;
+};
 
 }  // namespace
 
@@ -119,35 +148,25 @@ bool StackingGuard::isCovered(const std::vector<xcb_window_t>& shown) const {
     const bool isNothingBetween =
         windows.end() - lowest == static_cast<std::ptrdiff_t>(shown.size());
     if (isNothingBetween) return false;
-    std::vector<QRect> rects;
-    for (const xcb_window_t mask : shown) {
-        const auto geometry = xcbReply(xcb_get_geometry_reply, m_connection.get(),
-                                       xcb_get_geometry(m_connection, mask));
-        if (geometry)
-            rects.emplace_back(geometry->x, geometry->y, geometry->width, geometry->height);
+
+    std::vector<WindowRequest> requests;
+    for (auto i = lowest; i != windows.end(); ++i)
+        if (isMask(*i) || !m_client.isOwnWindow(*i)) requests.emplace_back(m_connection, *i);
+    std::vector<QRect> maskRects;
+    std::vector<std::pair<xcb_window_t, QRect>> intruders;
+    for (const WindowRequest& request : requests) {
+        const WindowState state(m_connection, request);
+        if (isMask(request.window))
+            maskRects.push_back(state.rect);
+        else if (state.isVisible)
+            intruders.emplace_back(request.window, state.rect);
     }
-    return std::any_of(lowest, windows.end(), [&](xcb_window_t window) {
-        return !isMask(window) && !m_client.isOwnWindow(window) && isVisibleAbove(window, rects);
-    });
-}
-
-bool StackingGuard::isVisibleAbove(xcb_window_t window, const std::vector<QRect>& masks) const {
-    const auto attributesCookie = xcb_get_window_attributes(m_connection, window);
-    const auto geometryCookie = xcb_get_geometry(m_connection, window);
-    const auto attributes =
-        xcbReply(xcb_get_window_attributes_reply, m_connection.get(), attributesCookie);
-    const auto geometry = xcbReply(xcb_get_geometry_reply, m_connection.get(), geometryCookie);
-    const bool isVisible = attributes && geometry &&
-                           attributes->map_state == XCB_MAP_STATE_VIEWABLE &&
-                           attributes->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT;
-    if (!isVisible) return false;
-
-    const int border = 2 * geometry->border_width;
-    const QRect rect(geometry->x, geometry->y, geometry->width + border,
-                     geometry->height + border);
-    const bool isCovering = std::any_of(masks.begin(), masks.end(), [&](const QRect& mask) {
-        return mask.intersects(rect);
-    });
-    if (isCovering) m_lastIntruder = window;
-    return isCovering;
+    const auto covering =
+        std::find_if(intruders.begin(), intruders.end(), [&](const auto& intruder) {
+            return std::any_of(maskRects.begin(), maskRects.end(),
+                               [&](const QRect& mask) { return mask.intersects(intruder.second); });
+        });
+    if (covering == intruders.end()) return false;
+    m_lastIntruder = covering->first;
+    return true;
 }

@@ -1,17 +1,15 @@
 #pragma once
 
+#include "Platform/SystemLog.h"
+#include "Platform/X11/XcbConnection.h"
+#include "Reactive/Scheduler.h"
+#include "Reactive/Subscription.h"
+
 #include <chrono>
 #include <deque>
 #include <functional>
 #include <unordered_map>
 #include <vector>
-
-#include <QRect>
-
-#include "Platform/SystemLog.h"
-#include "Platform/X11/XcbConnection.h"
-#include "Reactive/Scheduler.h"
-#include "Reactive/Subscription.h"
 
 /// Sees to it that no window of another program lies above a mask. It looks when the server tells
 /// that some top-level window was mapped, moved or restacked, never at intervals. Against another
@@ -42,7 +40,6 @@ private:
     void handleEvent(const xcb_generic_event_t& event);
     bool canChangeOrder(const xcb_configure_notify_event_t& event);
     bool isCovered(const std::vector<xcb_window_t>& shown) const;
-    bool isVisibleAbove(xcb_window_t window, const std::vector<QRect>& masks) const;
     std::vector<xcb_window_t> topLevelWindows() const;
     void raise();
     bool isContested();

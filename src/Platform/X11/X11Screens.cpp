@@ -124,10 +124,15 @@ QList<NativeScreen> X11Screens::readMonitors() const {
         const auto reply = xcbReply(xcb_randr_get_monitors_reply, m_connection.get(),
                                     xcb_randr_get_monitors(m_connection, m_connection.root(), 1));
         if (!reply) return {};
+        std::vector<xcb_get_atom_name_cookie_t> names;
+        for (auto i = xcb_randr_get_monitors_monitors_iterator(reply.get()); i.rem > 0;
+             xcb_randr_monitor_info_next(&i))
+            names.push_back(xcb_get_atom_name(m_connection, i.data->name));
+        auto nameRequest = names.begin();
         for (auto i = xcb_randr_get_monitors_monitors_iterator(reply.get()); i.rem > 0;
              xcb_randr_monitor_info_next(&i)) {
-            const auto atomName = xcbReply(xcb_get_atom_name_reply, m_connection.get(),
-                                           xcb_get_atom_name(m_connection, i.data->name));
+            const auto atomName =
+                xcbReply(xcb_get_atom_name_reply, m_connection.get(), *nameRequest++);
             if (i.data->width == 0 || i.data->height == 0) continue;
             const QString name =
                 atomName ? QString::fromUtf8(xcb_get_atom_name_name(atomName.get()),
@@ -148,31 +153,59 @@ QList<NativeScreen> X11Screens::readMonitors() const {
 }
 
 QList<PanelStrut> X11Screens::readPanels(QSize root) {
-    const X11Atoms& atoms = m_connection.atoms();
-    m_panelWindows.clear();
-    QList<PanelStrut> panels;
-    for (const xcb_window_t window :
-         m_connection.property32(m_connection.root(), atoms.netClientList)) {
-        auto values = m_connection.property32(window, atoms.netWmStrutPartial);
-        if (values.size() < 12) values = m_connection.property32(window, atoms.netWmStrut);
-        const auto types = m_connection.property32(window, atoms.netWmWindowType);
-        const bool isDock = std::find(types.begin(), types.end(), atoms.netWmWindowTypeDock) !=
-                            types.end();
-        const bool hasStrut = values.size() >= 4;
-        if (!hasStrut && !isDock) continue;
-
-        // A dock may set its strut later.
-        m_panelWindows.push_back(window);
+    struct Panel {
+        xcb_window_t window;
+        std::vector<uint32_t> strut;
+        xcb_get_geometry_cookie_t geometry;
+        xcb_translate_coordinates_cookie_t inRoot;
+    };
+    std::vector<Panel> found;
+    for (auto& [window, strut] : readPanelHints()) {
         const uint32_t eventMask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
         xcb_change_window_attributes(m_connection, window, XCB_CW_EVENT_MASK, &eventMask);
-        if (!hasStrut) continue;
-        const auto geometry = xcbReply(xcb_get_geometry_reply, m_connection.get(),
-                                       xcb_get_geometry(m_connection, window));
-        const auto inRoot = xcbReply(
-            xcb_translate_coordinates_reply, m_connection.get(),
-            xcb_translate_coordinates(m_connection, window, m_connection.root(), 0, 0));
-        if (geometry && inRoot)
-            panels.append(strutFrom(values, geometryOf(geometry, inRoot), root));
+        found.push_back(
+            {window, std::move(strut), xcb_get_geometry(m_connection, window),
+             xcb_translate_coordinates(m_connection, window, m_connection.root(), 0, 0)});
+    }
+
+    m_panelWindows.clear();
+    QList<PanelStrut> panels;
+    for (const Panel& panel : found) {
+        m_panelWindows.push_back(panel.window);
+        const auto geometry = xcbReply(xcb_get_geometry_reply, m_connection.get(), panel.geometry);
+        const auto inRoot =
+            xcbReply(xcb_translate_coordinates_reply, m_connection.get(), panel.inRoot);
+        if (geometry && inRoot && panel.strut.size() >= 4)
+            panels.append(strutFrom(panel.strut, geometryOf(geometry, inRoot), root));
+    }
+    return panels;
+}
+
+std::vector<X11Screens::PanelHints> X11Screens::readPanelHints() const {
+    struct Request {
+        xcb_window_t window;
+        xcb_get_property_cookie_t partialStrut;
+        xcb_get_property_cookie_t strut;
+        xcb_get_property_cookie_t types;
+    };
+    const X11Atoms& atoms = m_connection.atoms();
+    std::vector<Request> requests;
+    for (const xcb_window_t window :
+         m_connection.property32(m_connection.root(), atoms.netClientList))
+        requests.push_back({window, m_connection.requestProperty(window, atoms.netWmStrutPartial),
+                            m_connection.requestProperty(window, atoms.netWmStrut),
+                            m_connection.requestProperty(window, atoms.netWmWindowType)});
+
+    std::vector<PanelHints> panels;
+    for (const Request& request : requests) {
+        auto strut = m_connection.takeProperty32(request.partialStrut);
+        auto olderStrut = m_connection.takeProperty32(request.strut);
+        const auto types = m_connection.takeProperty32(request.types);
+        if (strut.size() < 12) strut = std::move(olderStrut);
+        const bool isDock =
+            std::find(types.begin(), types.end(), atoms.netWmWindowTypeDock) != types.end();
+        // A dock may set its strut later.
+        if (isDock || strut.size() >= 4) panels.push_back({request.window, std::move(strut)});
     }
     return panels;
 }

@@ -30,10 +30,18 @@ public:
     void refresh();
 
 private:
+    /// A window that is a panel, or may become one.
+    struct PanelHints {
+        xcb_window_t window;
+        /// The numbers of either strut hint; fewer than four when it has none.
+        std::vector<uint32_t> strut;
+    };
+
     void handleEvent(const xcb_generic_event_t& event);
     QList<NativeScreen> readMonitors() const;
     QList<PanelStrut> readPanels(QSize root);
     QList<QRect> readWorkAreas(qsizetype monitorCount) const;
+    std::vector<PanelHints> readPanelHints() const;
     QSize rootSize() const;
 
     XcbConnection& m_connection;

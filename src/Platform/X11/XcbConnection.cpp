@@ -148,23 +148,27 @@ void XcbConnection::dispatchBurst(xcb_generic_event_t* first) {
     m_isDispatching = false;
 }
 
-std::vector<uint32_t> XcbConnection::property32(xcb_window_t window, xcb_atom_t property) const {
+xcb_get_property_cookie_t XcbConnection::requestProperty(xcb_window_t window,
+                                                         xcb_atom_t property) const {
     constexpr uint32_t longestRead = 1 << 16;
-    const auto reply =
-        xcbReply(xcb_get_property_reply, m_connection,
-                 xcb_get_property(m_connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0,
-                                  longestRead));
+    return xcb_get_property(m_connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0,
+                            longestRead);
+}
+
+std::vector<uint32_t> XcbConnection::property32(xcb_window_t window, xcb_atom_t property) const {
+    return takeProperty32(requestProperty(window, property));
+}
+
+std::vector<uint32_t> XcbConnection::takeProperty32(xcb_get_property_cookie_t request) const {
+    const auto reply = xcbReply(xcb_get_property_reply, m_connection, request);
     if (!reply || reply->format != 32) return {};
     const auto* const items = static_cast<const uint32_t*>(xcb_get_property_value(reply.get()));
     return {items, items + reply->value_len};
 }
 
 QByteArray XcbConnection::property8(xcb_window_t window, xcb_atom_t property) const {
-    constexpr uint32_t longestRead = 1 << 16;
     const auto reply =
-        xcbReply(xcb_get_property_reply, m_connection,
-                 xcb_get_property(m_connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0,
-                                  longestRead));
+        xcbReply(xcb_get_property_reply, m_connection, requestProperty(window, property));
     if (!reply || reply->format != 8) return {};
     return {static_cast<const char*>(xcb_get_property_value(reply.get())),
             xcb_get_property_value_length(reply.get())};

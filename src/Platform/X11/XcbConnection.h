@@ -73,6 +73,11 @@ public:
     /// Sends the requests made so far.
     void flush() { xcb_flush(m_connection); }
 
+    /// Asks for a property; the answer is taken later, so that many requests travel together.
+    xcb_get_property_cookie_t requestProperty(xcb_window_t window, xcb_atom_t property) const;
+    /// The values of a property of 32-bit items that was asked for, as below. To be called once for
+    /// each request.
+    std::vector<uint32_t> takeProperty32(xcb_get_property_cookie_t request) const;
     /// The values of a property of 32-bit items; empty when it is absent or of another format.
     std::vector<uint32_t> property32(xcb_window_t window, xcb_atom_t property) const;
     /// The bytes of a property of 8-bit items; empty when it is absent or of another format.
