@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <unordered_set>
 #include <utility>
-
 #include <xcb/xfixes.h>
 
 namespace {
@@ -38,9 +37,9 @@ void StackingGuard::watchManagers() {
     }
     const auto version = xcbReply(xcb_xfixes_query_version_reply, m_connection.get(),
                                   xcb_xfixes_query_version(m_connection, 5, 0));
-    m_selectionEvent = static_cast<uint8_t>(
-        xcb_get_extension_data(m_connection, &xcb_xfixes_id)->first_event +
-        XCB_XFIXES_SELECTION_NOTIFY);
+    m_selectionEvent =
+        static_cast<uint8_t>(xcb_get_extension_data(m_connection, &xcb_xfixes_id)->first_event +
+                             XCB_XFIXES_SELECTION_NOTIFY);
     const X11Atoms& atoms = m_connection.atoms();
     for (const xcb_atom_t selection : {atoms.wmSelection, atoms.compositorSelection})
         xcb_xfixes_select_selection_input(
@@ -88,8 +87,7 @@ void StackingGuard::handleEvent(const xcb_generic_event_t& event) {
             break;
     }
     if (m_selectionEvent != 0 && type == m_selectionEvent) {
-        const auto& change =
-            reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event);
+        const auto& change = reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event);
         m_needsRemake |= change.owner != XCB_NONE;
     }
 }
@@ -97,10 +95,12 @@ void StackingGuard::handleEvent(const xcb_generic_event_t& event) {
 bool StackingGuard::canChangeOrder(const xcb_configure_notify_event_t& event) {
     if (event.event != m_connection.root()) return false;
     if (!m_connection.owns(event.window)) return true;
-    // A mask that is dragged stays where it is in the order; one that another program lowers or
-    // raises does not.
+    // A mask that is dragged stays where it is in the order, which matters only when it may come
+    // to lie under something; one that another program lowers or raises does not.
     const auto [known, isNew] = m_siblings.try_emplace(event.window, event.above_sibling);
-    return isNew || std::exchange(known->second, event.above_sibling) != event.above_sibling;
+    const bool isMoved =
+        isNew || std::exchange(known->second, event.above_sibling) != event.above_sibling;
+    return isMoved || m_isSomethingAbove;
 }
 
 void StackingGuard::audit() {
@@ -164,6 +164,7 @@ bool StackingGuard::isCovered(const std::vector<xcb_window_t>& shown) const {
 
     const bool isNothingBetween =
         windows.end() - lowest == static_cast<std::ptrdiff_t>(shown.size());
+    m_isSomethingAbove = !isNothingBetween;
     if (isNothingBetween) return false;
     std::vector<QRect> rects;
     for (const xcb_window_t mask : shown) {
@@ -189,11 +190,9 @@ bool StackingGuard::isVisibleAbove(xcb_window_t window, const std::vector<QRect>
     if (!isVisible) return false;
 
     const int border = 2 * geometry->border_width;
-    const QRect rect(geometry->x, geometry->y, geometry->width + border,
-                     geometry->height + border);
-    const bool isCovering = std::any_of(masks.begin(), masks.end(), [&](const QRect& mask) {
-        return mask.intersects(rect);
-    });
+    const QRect rect(geometry->x, geometry->y, geometry->width + border, geometry->height + border);
+    const bool isCovering = std::any_of(masks.begin(), masks.end(),
+                                        [&](const QRect& mask) { return mask.intersects(rect); });
     if (isCovering) m_lastIntruder = window;
     return isCovering;
 }

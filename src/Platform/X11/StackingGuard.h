@@ -1,17 +1,16 @@
 #pragma once
 
+#include "Platform/SystemLog.h"
+#include "Platform/X11/XcbConnection.h"
+#include "Reactive/Scheduler.h"
+#include "Reactive/Subscription.h"
+
+#include <QRect>
 #include <chrono>
 #include <deque>
 #include <functional>
 #include <unordered_map>
 #include <vector>
-
-#include <QRect>
-
-#include "Platform/SystemLog.h"
-#include "Platform/X11/XcbConnection.h"
-#include "Reactive/Scheduler.h"
-#include "Reactive/Subscription.h"
 
 /// Sees to it that no window of another program lies above a mask. It looks when the server tells
 /// that some top-level window was mapped, moved or restacked, never at intervals. Against another
@@ -67,6 +66,9 @@ private:
     // What each of our windows was last told to lie right above.
     std::unordered_map<xcb_window_t, xcb_window_t> m_siblings;
     mutable xcb_window_t m_lastIntruder = XCB_NONE;
+    // Whether the last audit found any foreign window higher than the lowest mask, even one that
+    // covers none.
+    mutable bool m_isSomethingAbove = true;
     Subscription m_delayedAudit;
     SubscriptionBag m_subscriptions;
 };
