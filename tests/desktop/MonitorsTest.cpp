@@ -71,9 +71,15 @@ TEST_F(Monitors, AMaskMovesToTheMonitorThatIsLeft) {
     EXPECT_EQ(frameOf(hidden), (Rect{440, 300, 200, 100}));
     EXPECT_EQ(rectOf(staying), (QRect{100, 400, 200, 100}));
     EXPECT_TRUE(waitUntil([&] { return document().masks.first().frame.x == 440; }));
-    // The primary one may be another, elsewhere: the masks keep their places on their screens.
-    monitors.set({{u"C"_s, {0, 300, 600, 500}}, left});
-    EXPECT_TRUE(waitUntil([&] { return isEveryMaskShownOnce() && isPainted(staying); }));
+    // A new primary monitor moves the origin; the masks stay where they are.
+    monitors.set({{u"C"_s, {640, 100, 640, 500}}, left});
+    EXPECT_TRUE(waitUntil([&] { return frameOf(staying) == Rect{-540, 100, 200, 100}; }));
+    EXPECT_EQ(frameOf(resting), (Rect{-200, 100, 200, 100}));
+    EXPECT_EQ(rectOf(staying), (QRect{100, 400, 200, 100}));
+    EXPECT_EQ(rectOf(resting), (QRect{440, 400, 200, 100}));
+    input.drag(middleOf(staying), middleOf(staying) + QPoint(-20, 30));
+    EXPECT_TRUE(comesTo(staying, {80, 430, 200, 100}));
+    EXPECT_TRUE(isEveryMaskShownOnce() && becomesPainted(staying));
 }
 
 TEST_F(Monitors, ADragGoesOnWhenItsMonitorIsUnplugged) {

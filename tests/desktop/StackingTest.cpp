@@ -102,6 +102,40 @@ TEST_F(StackingWithoutManager, IsAboveEveryWindowAndMendsWhatOthersDo) {
     mendsWhatOthersDo(mask, later);
 }
 
+TEST_F(Stacking, GoesOverWhateverItIsDraggedOrResizedOnto) {
+    const QUuid mask = startWithMask();
+    // It is stacked higher, which is nobody's business as long as it lies elsewhere.
+    const xcb_window_t away =
+        neighbour.open({.frame = {600, 100, 300, 300}, .isOverrideRedirect = true});
+    input.drag(middleOf(mask), {700, 250}, 1);
+    EXPECT_TRUE(staysAbove(mask, away));
+    const xcb_window_t beside =
+        neighbour.open({.frame = {850, 100, 300, 300}, .isOverrideRedirect = true});
+    input.drag(rectOf(mask).bottomRight() - QPoint(5, 5), {1000, 390});
+    EXPECT_TRUE(staysAbove(mask, beside));
+}
+
+TEST_F(Stacking, AGestureEndsWithTheWindowThatItBeganIn) {
+    const QUuid mask = startWithMask();
+    for (const bool isDestroyed : {false, true}) {
+        SCOPED_TRACE(isDestroyed);
+        input.movePointer(middleOf(mask));
+        input.press();
+        input.movePointer(middleOf(mask) + QPoint(30, 30));
+        const QRect rect = isDestroyed ? QRect(160, 260, 200, 100) : QRect(130, 230, 200, 100);
+        ASSERT_TRUE(comesTo(mask, rect));
+        const xcb_window_t window = windowOf(mask)->id;
+        isDestroyed ? neighbour.destroy(window) : neighbour.unmap(window);
+        ASSERT_TRUE(waitUntil([&] { return isEveryMaskShownOnce() && isPainted(mask); }));
+        // The release goes elsewhere; from then on the mask must not stick to the pointer.
+        input.movePointer({900, 700});
+        input.release();
+        input.movePointer(rect.center() + QPoint(20, 10));
+        EXPECT_EQ(frameOf(mask).x, rect.x());
+        EXPECT_EQ(rectOf(mask), rect);
+    }
+}
+
 TEST_F(Stacking, MendsWhatOthersDoToAMask) {
     const xcb_window_t backdrop = openBackdrop();
     mendsWhatOthersDo(startWithMask(), backdrop);

@@ -59,7 +59,7 @@ VeylaSession::Outcome VeylaSession::run(const QStringList& arguments) {
 }
 
 VeylaSession::Outcome VeylaSession::run(const QStringList& arguments,
-                                    const QProcessEnvironment& environment) {
+                                        const QProcessEnvironment& environment) {
     ChildProcess command(QStringLiteral(VEYLA_PROGRAM), arguments, environment);
     const auto status = command.waitForExit(defaultWait);
     if (!status) throw std::runtime_error("a veyla command does not end");

@@ -1,8 +1,8 @@
 #include "Platform/X11/OverlayInput.h"
 
-#include <utility>
-
 #include "Platform/X11/X11OverlaySurfaces.h"
+
+#include <utility>
 
 namespace {
 
@@ -39,6 +39,9 @@ void OverlayInput::flushMotion() {
     if (!m_heldMotion) return;
     const auto motion = *std::exchange(m_heldMotion, std::nullopt);
     const SurfaceBatch batch(m_surfaces);
+    // The release went elsewhere: the window was unmapped by force, and with it went the pointer.
+    const bool isReleaseLost = m_pressed && !(motion.state & XCB_BUTTON_MASK_1);
+    if (isReleaseLost) endGestureOf(*m_pressed);
     if (m_pressed) {
         const DesktopSpace& space = m_surfaces.m_services.screens.space();
         m_pressed->delegate()->mouseDragged(space.toGlobal(QPoint(motion.root_x, motion.root_y)));

@@ -80,10 +80,12 @@ void StackingGuard::handleEvent(const xcb_generic_event_t& event) {
 bool StackingGuard::canChangeOrder(const xcb_configure_notify_event_t& event) {
     if (event.event != m_connection.root()) return false;
     if (!m_connection.owns(event.window)) return true;
-    // A mask that is dragged stays where it is in the order; one that another program lowers or
-    // raises does not.
+    // A mask that is dragged stays where it is in the order, which matters only when it may come
+    // to lie under something; one that another program lowers or raises does not.
     const auto [known, isNew] = m_siblings.try_emplace(event.window, event.above_sibling);
-    return isNew || std::exchange(known->second, event.above_sibling) != event.above_sibling;
+    const bool isMoved =
+        isNew || std::exchange(known->second, event.above_sibling) != event.above_sibling;
+    return isMoved || m_isSomethingAbove;
 }
 
 void StackingGuard::audit() {
@@ -147,6 +149,7 @@ bool StackingGuard::isCovered(const std::vector<xcb_window_t>& shown) const {
 
     const bool isNothingBetween =
         windows.end() - lowest == static_cast<std::ptrdiff_t>(shown.size());
+    m_isSomethingAbove = !isNothingBetween;
     if (isNothingBetween) return false;
 
     std::vector<WindowRequest> requests;

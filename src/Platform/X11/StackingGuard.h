@@ -54,6 +54,9 @@ private:
     // What each of our windows was last told to lie right above.
     std::unordered_map<xcb_window_t, xcb_window_t> m_siblings;
     mutable xcb_window_t m_lastIntruder = XCB_NONE;
+    // Whether the last audit found any foreign window higher than the lowest mask, even one that
+    // covers none.
+    mutable bool m_isSomethingAbove = true;
     Subscription m_delayedAudit;
     SubscriptionBag m_subscriptions;
 };

@@ -169,13 +169,15 @@ void X11OverlaySurfaces::handleEvent(const xcb_generic_event_t& event) {
         auto* const surface = surfaceOf(unmap.window);
         if (!surface || !surface->window().isMapped() || !surface->window().isUpToDate(event))
             return;
-        // Hiding a mask is not for other programs.
+        // Hiding a mask is not for other programs. The server has ended its hold on the pointer.
+        m_input.endGestureOf(*surface);
         surface->window().noteForeignUnmap();
         std::erase(m_stack, unmap.window);
         noteOrder();
     } else if (type == XCB_DESTROY_NOTIFY) {
         const auto& destroy = reinterpret_cast<const xcb_destroy_notify_event_t&>(event);
         if (auto* const surface = surfaceOf(destroy.window)) {
+            m_input.endGestureOf(*surface);
             surface->replaceWindow(makeWindow(surface->description()))->noteForeignDestruction();
             noteOrder();
         }

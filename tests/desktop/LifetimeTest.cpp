@@ -1,0 +1,104 @@
+#include "desktop/VeylaTest.h"
+
+#include <csignal>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+class Lifetime : public VeylaTest {
+protected:
+    QUuid m_mask = addMask({100, 500, 200, 100});
+    QUuid m_other = addMask({500, 500, 200, 100}, Qt::blue);
+
+    bool isCovered() { return isPainted(m_mask) && isPainted(m_other); }
+};
+
+}  // namespace
+
+TEST_F(Lifetime, AKilledProgramLeavesTheMasksUntilTheNextStartTakesOver) {
+    openBackdrop();
+    start();
+    for (int round = 0; round < 2; ++round) {
+        const xcb_window_t former = windowOf(m_mask)->id;
+        process->sendSignal(SIGKILL);
+        ASSERT_EQ(process->waitForExit(defaultWait), -SIGKILL);
+        // The server repaints what a window that comes and goes has covered.
+        neighbour.destroy(neighbour.open({.frame = {0, 0, 1280, 800}, .isOverrideRedirect = true}));
+        EXPECT_TRUE(waitUntil([&] { return isCovered(); }));
+        EXPECT_TRUE(isEveryMaskShownOnce());
+        restart();
+        EXPECT_TRUE(waitUntil([&] { return windowOf(m_mask)->id != former && isCovered(); }));
+        EXPECT_TRUE(isEveryMaskShownOnce());
+    }
+    input.drag(middleOf(m_mask), middleOf(m_mask) + QPoint(40, 30));
+    EXPECT_TRUE(comesTo(m_mask, {140, 230, 200, 100}));
+}
+
+TEST_F(Lifetime, HiddenMasksLeaveNothingBehind) {
+    start();
+    ASSERT_EQ(run({u"hide-masks"_s}).status, 0);
+    EXPECT_TRUE(waitUntil([&] { return !windowOf(m_mask)->isMapped; }));
+    process->sendSignal(SIGKILL);
+    EXPECT_TRUE(waitUntil([&] { return maskWindowCount() == 0; }));
+}
+
+TEST_F(Lifetime, EverySignalToEndAndQuitLeaveNothing) {
+    for (const int number : {SIGTERM, SIGINT, SIGHUP, 0}) {
+        SCOPED_TRACE(number);
+        start();
+        EXPECT_TRUE(isCovered());
+        if (number == 0) {
+            EXPECT_EQ(quit(), 0);
+        } else {
+            process->sendSignal(number);
+            EXPECT_EQ(process->waitForExit(defaultWait), 0);
+        }
+        EXPECT_EQ(process->standardError().constData(), QByteArray());
+        EXPECT_TRUE(waitUntil([&] { return maskWindowCount() == 0; }));
+    }
+}
+
+TEST_F(Lifetime, CommandsEndWithTheirStatusAndOneLine) {
+    const auto with = [&](const QString& name, const QString& value) {
+        QProcessEnvironment changed = environment;
+        changed.insert(name, value);
+        return changed;
+    };
+    const QProcessEnvironment noDisplay = with(u"DISPLAY"_s, u":nowhere"_s);
+    const QProcessEnvironment noBus =
+        with(u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path=/nonexistent/bus"_s);
+    struct Row {
+        QStringList arguments;
+        QProcessEnvironment environment;
+        bool isRunning;
+        int status;
+    };
+    const QList<Row> rows{
+        {{u"status"_s}, environment, false, 1},     {{u"quit"_s}, noBus, false, 1},
+        {{u"--background"_s}, noDisplay, false, 1}, {{u"--wrong"_s}, environment, false, 2},
+        {{u"wrong"_s}, noDisplay, true, 2},         {{u"status"_s}, noDisplay, true, 0},
+        {{u"--background"_s}, noBus, true, 0},      {{u"status"_s}, noBus, true, 1},
+        {{u"--version"_s}, noDisplay, true, 0},
+    };
+    for (const Row& row : rows) {
+        if (row.isRunning && !process) start();
+        const Outcome result = run(row.arguments, row.environment);
+        SCOPED_TRACE(
+            (row.arguments.join(u' ') + u": "_s + QString::fromUtf8(result.error)).toStdString());
+        EXPECT_EQ(result.status, row.status);
+        EXPECT_EQ(result.error.count('\n'), row.status == 0 ? 0 : 1);
+        EXPECT_EQ(result.output.isEmpty(), row.status != 0);
+    }
+    EXPECT_TRUE(process->isRunning() && isEveryMaskShownOnce());
+}
+
+TEST_F(Lifetime, WorksWithoutASessionBus) {
+    environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path=/nonexistent/bus"_s);
+    start();
+    input.drag(middleOf(m_mask), middleOf(m_mask) + QPoint(40, 30));
+    EXPECT_TRUE(comesTo(m_mask, {140, 230, 200, 100}));
+    EXPECT_TRUE(waitUntil([&] { return document().masks.first().frame.x == 140; }));
+    process->sendSignal(SIGTERM);
+    EXPECT_EQ(process->waitForExit(defaultWait), 0);
+}
