@@ -5,6 +5,7 @@
 #include "Platform/Qt/AtSpiAnnouncer.h"
 #include "Platform/Qt/OverlayAccessibility.h"
 #include "Platform/Qt/QtMainLoop.h"
+#include "Platform/Qt/SessionBus.h"
 #include "Platform/Qt/StderrLog.h"
 #include "Platform/X11/X11Desktop.h"
 
@@ -17,6 +18,7 @@ namespace {
 
 // Qt reads these when the application object is made.
 void prepareToolkit() {
+    SessionBus::keepFromStarting();
     // Screen readers that come later would not find Veyla otherwise.
     qputenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
     // Masks are windows of the X server; the toolkit must be on the same one.

@@ -5,8 +5,12 @@
 
 namespace {
 
+// An address of no known kind.
+constexpr const char* noBus = "disabled:";
+
 QString sessionBusAddress() {
     QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+    if (address == QLatin1StringView(noBus)) return QString();
     if (!address.isEmpty()) return address;
     const QString socket = qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/bus");
     // The path is quoted as addresses of the bus want it.
@@ -22,6 +26,10 @@ QDBusConnection connect(const QString& name) {
 }
 
 }  // namespace
+
+void SessionBus::keepFromStarting() {
+    if (sessionBusAddress().isEmpty()) qputenv("DBUS_SESSION_BUS_ADDRESS", noBus);
+}
 
 SessionBus::SessionBus(const QString& name) : m_connection(connect(name)) {}
 

@@ -14,6 +14,10 @@ inline constexpr const char* interfaceName = "app.veyla.Veyla";
 /// bus: without $DBUS_SESSION_BUS_ADDRESS it tries the user's bus in $XDG_RUNTIME_DIR only.
 class SessionBus {
 public:
+    /// Without a bus, the toolkit and other libraries of this process start one for themselves as
+    /// soon as they look for it, and leave it behind. This keeps them from it.
+    static void keepFromStarting();
+
     /// `name` tells the connections of one process apart.
     explicit SessionBus(const QString& name);
     SessionBus(const SessionBus&) = delete;
