@@ -23,6 +23,7 @@ TEST_F(Lifetime, AKilledProgramLeavesTheMasksUntilTheNextStartTakesOver) {
         const xcb_window_t former = windowOf(m_mask)->id;
         process->sendSignal(SIGKILL);
         ASSERT_EQ(process->waitForExit(defaultWait), -SIGKILL);
+        if (round == 1) desktop.startCompositor();
         // The server repaints what a window that comes and goes has covered.
         neighbour.destroy(neighbour.open({.frame = {0, 0, 1280, 800}, .isOverrideRedirect = true}));
         EXPECT_TRUE(waitUntil([&] { return isCovered(); }));
@@ -40,6 +41,7 @@ TEST_F(Lifetime, HiddenMasksLeaveNothingBehind) {
     ASSERT_EQ(run({u"hide-masks"_s}).status, 0);
     EXPECT_TRUE(waitUntil([&] { return !windowOf(m_mask)->isMapped; }));
     process->sendSignal(SIGKILL);
+    EXPECT_EQ(process->waitForExit(defaultWait), -SIGKILL);
     EXPECT_TRUE(waitUntil([&] { return maskWindowCount() == 0; }));
 }
 
