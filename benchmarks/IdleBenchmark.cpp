@@ -6,9 +6,8 @@
 #include "benchmarks/support/ProcessUsage.h"
 #include "benchmarks/support/ProgramOnDesktop.h"
 #include "benchmarks/support/Samples.h"
-#include "support/desktop/Wait.h"
 
-#include <optional>
+#include <cmath>
 #include <thread>
 
 namespace {
@@ -43,16 +42,18 @@ void measureIdle(benchmark::State& state, double ProcessUsage::*figure) {
     for (auto iteration : state)
         std::this_thread::sleep_for(idleTime);
     const ProcessUsage after = ProcessUsage::of(veyla.pid());
+    if (before.*figure == 0) state.SkipWithError("the kernel does not count this");
     reportTarget(state, after.*figure - before.*figure, 0);
 }
 
 void memory(benchmark::State& state) {
     const IdleVeyla veyla;
-    double mebibytes = 0;
+    ProcessMemory used;
     for (auto iteration : state)
-        mebibytes = proportionalMemory(veyla.pid());
-    reportTarget(state, mebibytes, 40);
-    state.SetLabel("MiB");
+        used = ProcessMemory::of(veyla.pid());
+    reportTarget(state, used.proportional, 40);
+    state.SetLabel("MiB in proportion, " + std::to_string(std::lround(used.resident)) +
+                   " MiB resident");
 }
 
 BENCHMARK_CAPTURE(measureIdle, processorMilliseconds, &ProcessUsage::processorMilliseconds)

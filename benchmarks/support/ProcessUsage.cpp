@@ -40,7 +40,7 @@ ProcessUsage ProcessUsage::of(pid_t process) {
     return usage;
 }
 
-double proportionalMemory(pid_t process) {
+ProcessMemory ProcessMemory::of(pid_t process) {
     const QByteArray rollup = contentsOf(QStringLiteral("/proc/%1/smaps_rollup").arg(process));
-    return numberAfter(rollup, "Pss") / 1024;
+    return {numberAfter(rollup, "Pss") / 1024, numberAfter(rollup, "Rss") / 1024};
 }

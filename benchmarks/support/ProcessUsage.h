@@ -12,6 +12,13 @@ struct ProcessUsage {
     static ProcessUsage of(pid_t process);
 };
 
-/// The memory of a process in MiB, pages that it shares with others in part. Throws
-/// std::runtime_error when it cannot be told.
-double proportionalMemory(pid_t process);
+/// The memory of a process in MiB.
+struct ProcessMemory {
+    /// A page that several processes share counts in part.
+    double proportional = 0;
+    /// Every page counts in full: the most that `proportional` can be when nobody shares.
+    double resident = 0;
+
+    /// Throws std::runtime_error when there is no such process.
+    static ProcessMemory of(pid_t process);
+};
