@@ -37,8 +37,9 @@ bool hasDisplay(int argc, char** argv, QString* error) {
 // While there is no dashboard, nothing on an empty screen would tell that Veyla runs.
 void greetTerminal() {
     if (isatty(STDOUT_FILENO) == 0) return;
-    std::puts("Veyla is running. \"veyla create-mask\" makes a mask at the pointer, \"veyla --help\" "
-              "tells the rest.");
+    std::puts(
+        "Veyla is running. \"veyla create-mask\" makes a mask at the pointer, \"veyla --help\" "
+        "tells the rest.");
     std::fflush(stdout);
 }
 

@@ -1,7 +1,7 @@
-#include <algorithm>
-
 #include "App/AppState.h"
 #include "Services/ScreenPlacement.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -165,7 +165,7 @@ void AppState::resizeSelectedMask(double widthDelta, double heightDelta) {
     const auto mask = activeMask();
     if (!mask) return;
     const MaskFrame& frame = mask->frame;
-    updateMaskFrame(mask->id, {frame.x, frame.y,
-                               std::max(frame.width + widthDelta, minimumMaskSize.width),
-                               std::max(frame.height + heightDelta, minimumMaskSize.height)});
+    updateMaskFrame(mask->id,
+                    {frame.x, frame.y, std::max(frame.width + widthDelta, minimumMaskSize.width),
+                     std::max(frame.height + heightDelta, minimumMaskSize.height)});
 }

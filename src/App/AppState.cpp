@@ -1,8 +1,8 @@
 #include "App/AppState.h"
 
-#include <utility>
-
 #include "Reactive/Operators.h"
+
+#include <utility>
 
 AppState::AppState(const AppPlatform& platform)
     : m_platform(platform),

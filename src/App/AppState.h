@@ -1,12 +1,5 @@
 #pragma once
 
-#include <chrono>
-#include <optional>
-
-#include <QList>
-#include <QString>
-#include <QUuid>
-
 #include "Models/AppSettings.h"
 #include "Models/ChangelogRelease.h"
 #include "Models/MaskGroup.h"
@@ -21,6 +14,12 @@
 #include "Reactive/Subscription.h"
 #include "Services/OverlayManager.h"
 #include "Services/PresetStore.h"
+
+#include <QList>
+#include <QString>
+#include <QUuid>
+#include <chrono>
+#include <optional>
 
 /// What the application state needs from the platform. Everything must outlive it.
 struct AppPlatform {

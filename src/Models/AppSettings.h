@@ -1,14 +1,13 @@
 #pragma once
 
-#include <cstddef>
-#include <optional>
+#include "Models/HotkeyBinding.h"
+#include "Models/ScreenMask.h"
 
 #include <QJsonObject>
 #include <QMap>
 #include <QString>
-
-#include "Models/HotkeyBinding.h"
-#include "Models/ScreenMask.h"
+#include <cstddef>
+#include <optional>
 
 /// The user's settings.
 struct AppSettings {

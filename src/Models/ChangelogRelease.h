@@ -1,9 +1,8 @@
 #pragma once
 
-#include <optional>
-
 #include <QString>
 #include <QStringList>
+#include <optional>
 
 /// The notes of one release, as the release-notes endpoint writes them.
 struct ChangelogRelease {

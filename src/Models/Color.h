@@ -1,8 +1,7 @@
 #pragma once
 
-#include <optional>
-
 #include <QString>
+#include <optional>
 
 /// A colour in the sRGB colour space; every component from 0 to 1.
 struct Color {

@@ -1,12 +1,11 @@
 #pragma once
 
-#include <array>
-#include <cstddef>
-#include <optional>
-
 #include <QJsonObject>
 #include <QMap>
 #include <QString>
+#include <array>
+#include <cstddef>
+#include <optional>
 
 class JsonObjectReader;
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QJsonObject>
-
 #include "Models/Geometry.h"
+
+#include <QJsonObject>
 
 class JsonObjectReader;
 class JsonPath;

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <cstddef>
-
 #include <QJsonObject>
 #include <QString>
 #include <QUuid>
+#include <cstddef>
 
 class JsonObjectReader;
 

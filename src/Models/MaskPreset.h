@@ -1,14 +1,13 @@
 #pragma once
 
-#include <cstddef>
-#include <optional>
+#include "Models/ScreenMask.h"
 
 #include <QJsonObject>
 #include <QList>
 #include <QString>
 #include <QUuid>
-
-#include "Models/ScreenMask.h"
+#include <cstddef>
+#include <optional>
 
 /// A saved layout: full copies of masks, optionally bound to an application.
 struct MaskPreset {

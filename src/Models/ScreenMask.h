@@ -1,14 +1,13 @@
 #pragma once
 
-#include <array>
-#include <cstddef>
-#include <optional>
+#include "Models/MaskFrame.h"
 
 #include <QJsonObject>
 #include <QString>
 #include <QUuid>
-
-#include "Models/MaskFrame.h"
+#include <array>
+#include <cstddef>
+#include <optional>
 
 /// One mask: a rectangle of the desktop that is covered by an overlay. A plain value; it knows
 /// nothing of windows, screens or files, and clamps nothing.

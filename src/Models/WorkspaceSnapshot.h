@@ -1,15 +1,14 @@
 #pragma once
 
-#include <optional>
-
-#include <QByteArray>
-#include <QList>
-#include <QUuid>
-
 #include "Models/AppSettings.h"
 #include "Models/MaskGroup.h"
 #include "Models/MaskPreset.h"
 #include "Models/ScreenMask.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QUuid>
+#include <optional>
 
 /// The persisted document: everything that survives a restart.
 struct WorkspaceSnapshot {

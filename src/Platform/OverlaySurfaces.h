@@ -1,14 +1,13 @@
 #pragma once
 
-#include <memory>
-#include <optional>
+#include "Models/Geometry.h"
 
 #include <QList>
 #include <QRect>
 #include <QString>
 #include <QUuid>
-
-#include "Models/Geometry.h"
+#include <memory>
+#include <optional>
 
 class QPainter;
 

@@ -1,13 +1,12 @@
 #pragma once
 
-#include <functional>
-#include <optional>
+#include "Models/Geometry.h"
+#include "Reactive/Subscription.h"
 
 #include <QList>
 #include <QString>
-
-#include "Models/Geometry.h"
-#include "Reactive/Subscription.h"
+#include <functional>
+#include <optional>
 
 /// One display, in points of the global desktop space.
 struct ScreenInfo {

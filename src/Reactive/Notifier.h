@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Reactive/Published.h"
+
 #include <functional>
 #include <utility>
-
-#include "Reactive/Published.h"
 
 /// Tells subscribers that something happened, without a value. Follows the delivery rules of
 /// Published; subscribing delivers nothing.

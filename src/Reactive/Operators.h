@@ -1,16 +1,16 @@
 #pragma once
 
+#include "Reactive/Published.h"
+#include "Reactive/Scheduler.h"
+#include "Reactive/Source.h"
+#include "Reactive/Subscription.h"
+
 #include <chrono>
 #include <cstddef>
 #include <memory>
 #include <optional>
 #include <tuple>
 #include <utility>
-
-#include "Reactive/Published.h"
-#include "Reactive/Scheduler.h"
-#include "Reactive/Source.h"
-#include "Reactive/Subscription.h"
 
 /// Fires with the latest value of every source whenever any one of them delivers. The first
 /// delivery comes once, when all sources have delivered their current value.

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "Reactive/Source.h"
+#include "Reactive/Subscription.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <functional>
@@ -7,9 +10,6 @@
 #include <memory>
 #include <utility>
 #include <vector>
-
-#include "Reactive/Source.h"
-#include "Reactive/Subscription.h"
 
 /// A field whose changes are announced before they are stored.
 ///
@@ -81,9 +81,9 @@ private:
         // The removed ones die after the list is in order again: their captures may let go of
         // further subscriptions.
         void removeInactive() {
-            const auto ended = std::stable_partition(
-                subscribers.begin(), subscribers.end(),
-                [](const auto& subscriber) { return subscriber->isActive; });
+            const auto ended =
+                std::stable_partition(subscribers.begin(), subscribers.end(),
+                                      [](const auto& subscriber) { return subscriber->isActive; });
             const std::vector<std::shared_ptr<Subscriber>> removed(
                 std::make_move_iterator(ended), std::make_move_iterator(subscribers.end()));
             subscribers.erase(ended, subscribers.end());

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Reactive/Subscription.h"
+
 #include <chrono>
 #include <functional>
-
-#include "Reactive/Subscription.h"
 
 /// Runs work later on the main thread. All delayed delivery goes through it, so that tests can
 /// turn a virtual clock.

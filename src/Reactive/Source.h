@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Reactive/Subscription.h"
+
 #include <functional>
 #include <utility>
-
-#include "Reactive/Subscription.h"
 
 /// Something that can be subscribed to: a published field, or an operator applied to others.
 /// A source delivers its current values once when it is subscribed to, then every new one. It is

@@ -51,7 +51,8 @@ public:
     void clear() {
         // Taken out first: letting go may end the owner of this bag.
         auto subscriptions = std::exchange(m_subscriptions, {});
-        while (!subscriptions.empty()) subscriptions.pop_back();
+        while (!subscriptions.empty())
+            subscriptions.pop_back();
     }
 
 private:

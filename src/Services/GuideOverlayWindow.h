@@ -1,12 +1,11 @@
 #pragma once
 
-#include <memory>
-
-#include <QList>
-
 #include "Models/Geometry.h"
 #include "Platform/OverlaySurfaces.h"
 #include "Services/GuideLine.h"
+
+#include <QList>
+#include <memory>
 
 /// What the guide window shows: lines across the whole view. The guides are in the view's own
 /// coordinates, origin bottom-left, y upward.

@@ -1,11 +1,10 @@
 #include "Services/OverlayManager.h"
 
-#include <algorithm>
-#include <utility>
+#include "Services/ScreenPlacement.h"
 
 #include <QSet>
-
-#include "Services/ScreenPlacement.h"
+#include <algorithm>
+#include <utility>
 
 OverlayManager::OverlayManager(MainLoop& mainLoop, Screens& screens, OverlaySurfaces& surfaces)
     : m_screens(screens), m_surfaces(surfaces) {
@@ -59,9 +58,13 @@ const OverlayWindow* OverlayManager::windowFor(const QUuid& maskID) const {
     return found == m_windows.end() ? nullptr : found->second.window.get();
 }
 
-void OverlayManager::windowDidMove(OverlayWindow& window) { reportFrame(window); }
+void OverlayManager::windowDidMove(OverlayWindow& window) {
+    reportFrame(window);
+}
 
-void OverlayManager::windowDidResize(OverlayWindow& window) { reportFrame(window); }
+void OverlayManager::windowDidResize(OverlayWindow& window) {
+    reportFrame(window);
+}
 
 OverlayWindow& OverlayManager::findOrCreateWindow(const ScreenMask& mask) {
     Entry& entry = m_windows[mask.id];
@@ -79,7 +82,8 @@ OverlayWindow& OverlayManager::findOrCreateWindow(const ScreenMask& mask) {
 void OverlayManager::closeWindowsExcept(const QList<ScreenMask>& masks) {
     QSet<QUuid> ids;
     ids.reserve(masks.size());
-    for (const ScreenMask& mask : masks) ids.insert(mask.id);
+    for (const ScreenMask& mask : masks)
+        ids.insert(mask.id);
     std::erase_if(m_windows, [&](const auto& entry) { return !ids.contains(entry.first); });
 }
 

@@ -1,14 +1,5 @@
 #pragma once
 
-#include <cstddef>
-#include <functional>
-#include <memory>
-#include <optional>
-#include <unordered_map>
-
-#include <QList>
-#include <QUuid>
-
 #include "Models/ScreenMask.h"
 #include "Platform/MainLoop.h"
 #include "Platform/OverlaySurfaces.h"
@@ -16,6 +7,14 @@
 #include "Reactive/Lifetime.h"
 #include "Reactive/Published.h"
 #include "Services/OverlayWindow.h"
+
+#include <QList>
+#include <QUuid>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <unordered_map>
 
 /// Keeps exactly one overlay window for every mask of the model and keeps its frame, visibility,
 /// click-through state and look in step. Reports moved frames and clicks back, and repairs the

@@ -1,10 +1,10 @@
 #include "Services/OverlayWindow.h"
 
+#include "Services/ScreenPlacement.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
-
-#include "Services/ScreenPlacement.h"
 
 namespace {
 
@@ -58,9 +58,13 @@ OverlayWindow::OverlayWindow(const QUuid& maskID, const MaskFrame& frame, Overla
       m_surface(
           surfaces.createSurface({QStringLiteral("Veyla overlay mask"), maskID, frame}, this)) {}
 
-Rect OverlayWindow::frame() const { return m_surface->frame(); }
+Rect OverlayWindow::frame() const {
+    return m_surface->frame();
+}
 
-void OverlayWindow::setFrame(const Rect& frame) { m_surface->setFrame(frame); }
+void OverlayWindow::setFrame(const Rect& frame) {
+    m_surface->setFrame(frame);
+}
 
 void OverlayWindow::setContentView(const OverlayMaskView& view) {
     if (m_contentView == view) return;
@@ -76,9 +80,13 @@ void OverlayWindow::setIgnoresMouseEvents(bool ignores) {
     m_surface->setIgnoresMouseEvents(ignores);
 }
 
-void OverlayWindow::orderFront() { m_surface->orderFront(); }
+void OverlayWindow::orderFront() {
+    m_surface->orderFront();
+}
 
-void OverlayWindow::orderOut() { m_surface->orderOut(); }
+void OverlayWindow::orderOut() {
+    m_surface->orderOut();
+}
 
 std::optional<ResizeRegion> OverlayWindow::resizeRegion(Point inWindow) const {
     const auto [x, y] = inWindow;
@@ -122,9 +130,13 @@ void OverlayWindow::restartGesture() {
     }
 }
 
-void OverlayWindow::surfaceDidMove() { m_delegate.windowDidMove(*this); }
+void OverlayWindow::surfaceDidMove() {
+    m_delegate.windowDidMove(*this);
+}
 
-void OverlayWindow::surfaceDidResize() { m_delegate.windowDidResize(*this); }
+void OverlayWindow::surfaceDidResize() {
+    m_delegate.windowDidResize(*this);
+}
 
 void OverlayWindow::mouseDown(Point inSurface, Point global) {
     if (onMaskSelected) onMaskSelected();
@@ -142,11 +154,17 @@ void OverlayWindow::mouseDragged(Point global) {
         performResize(*resize, global);
 }
 
-void OverlayWindow::mouseUp() { m_gesture = std::monostate{}; }
+void OverlayWindow::mouseUp() {
+    m_gesture = std::monostate{};
+}
 
-void OverlayWindow::mouseMoved(Point inSurface) { updateCursor(inSurface); }
+void OverlayWindow::mouseMoved(Point inSurface) {
+    updateCursor(inSurface);
+}
 
-void OverlayWindow::mouseExited() { m_surface->setCursor(CursorShape::arrow); }
+void OverlayWindow::mouseExited() {
+    m_surface->setCursor(CursorShape::arrow);
+}
 
 void OverlayWindow::performMove(Move& move, Point pointer) {
     const Rect& start = move.startFrame;

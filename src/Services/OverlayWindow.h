@@ -1,19 +1,18 @@
 #pragma once
 
-#include <functional>
-#include <memory>
-#include <optional>
-#include <variant>
-
-#include <QList>
-#include <QUuid>
-
 #include "Models/MaskFrame.h"
 #include "Platform/OverlaySurfaces.h"
 #include "Platform/Screens.h"
 #include "Services/GuideLine.h"
 #include "Services/GuideOverlayWindow.h"
 #include "Services/OverlayMaskView.h"
+
+#include <QList>
+#include <QUuid>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <variant>
 
 class OverlayWindow;
 

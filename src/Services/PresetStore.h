@@ -1,11 +1,10 @@
 #pragma once
 
-#include <optional>
-
-#include <QString>
-
 #include "Models/WorkspaceSnapshot.h"
 #include "Platform/SystemLog.h"
+
+#include <QString>
+#include <optional>
 
 /// Reads and writes the workspace document, "workspace.json" in the folder it is given. Both
 /// operations are synchronous. The store keeps no state, watches nothing and locks nothing.

@@ -4,7 +4,8 @@
 
 QList<Rect> visibleFrames(const Screens& screens) {
     QList<Rect> frames;
-    for (const ScreenInfo& screen : screens.screens()) frames.append(screen.visibleFrame);
+    for (const ScreenInfo& screen : screens.screens())
+        frames.append(screen.visibleFrame);
     return frames;
 }
 
@@ -34,10 +35,9 @@ Rect resolvedFrame(const Rect& rect, const QList<Rect>& frames) {
 
 std::optional<Rect> rectFollowingItsScreen(const Rect& rect, const QList<ScreenInfo>& oldScreens,
                                            const QList<ScreenInfo>& newScreens) {
-    const auto old =
-        std::find_if(oldScreens.begin(), oldScreens.end(), [&](const ScreenInfo& screen) {
-            return screen.frame.contains(rect.center());
-        });
+    const auto old = std::find_if(
+        oldScreens.begin(), oldScreens.end(),
+        [&](const ScreenInfo& screen) { return screen.frame.contains(rect.center()); });
     if (old == oldScreens.end()) return std::nullopt;
     const auto current =
         std::find_if(newScreens.begin(), newScreens.end(),

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <optional>
-
-#include <QList>
-
 #include "Models/Geometry.h"
 #include "Platform/Screens.h"
+
+#include <QList>
+#include <optional>
 
 /// The smallest size of a mask on screen, in points.
 inline constexpr Size minimumMaskSize{60, 40};

@@ -1,15 +1,13 @@
 #pragma once
 
-#include <memory>
-#include <string>
-#include <vector>
-
-#include <QStringList>
-
 #include "Reactive/Lifetime.h"
 #include "contract/DesktopHarness.h"
 
+#include <QStringList>
 #include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <vector>
 
 /// What every desktop back end must do. A back end instantiates the suite with its harness.
 template <typename Harness>
@@ -134,7 +132,8 @@ TYPED_TEST_P(DesktopContract, FramesAreKeptExactlyAndChangesAreToldInPlace) {
     const Rect odd{100.25, 99.6, 200.5, 100.125};
     mask.surface->setFrame(odd);
     EXPECT_EQ(mask.surface->frame(), odd);
-    EXPECT_EQ(mask.recorder->log, QStringList({QStringLiteral("moved"), QStringLiteral("resized")}));
+    EXPECT_EQ(mask.recorder->log,
+              QStringList({QStringLiteral("moved"), QStringLiteral("resized")}));
     mask.surface->setFrame(odd);
     mask.surface->setFrame({50, 60, odd.width, odd.height});
     mask.surface->setFrame({50, 60, 300, 200});
@@ -153,15 +152,18 @@ TYPED_TEST_P(DesktopContract, TheMousePressesDragsAndReleasesTheTopmostSurface) 
     this->harness.settle();
 
     this->harness.movePointer({160, 130});
-    ASSERT_TRUE(this->harness.waitUntil([&] { return above.recorder->hoveredAt == Point{10, 10}; }));
+    ASSERT_TRUE(this->harness.waitUntil([&] {
+        return above.recorder->hoveredAt == Point{10, 10};
+    }));
     this->harness.pressLeft();
     this->harness.movePointer({260, 330});
     this->harness.movePointer({600, 500});
-    ASSERT_TRUE(this->harness.waitUntil(
-        [&] { return above.recorder->lastGlobal == Point{600, 500}; }));
+    ASSERT_TRUE(this->harness.waitUntil([&] {
+        return above.recorder->lastGlobal == Point{600, 500};
+    }));
     this->harness.releaseLeft();
-    ASSERT_TRUE(
-        this->harness.waitUntil([&] { return above.recorder->log.contains(QStringLiteral("up")); }));
+    ASSERT_TRUE(this->harness.waitUntil(
+        [&] { return above.recorder->log.contains(QStringLiteral("up")); }));
     EXPECT_EQ(above.recorder->pressedAt, (Point{10, 10}));
     EXPECT_EQ(above.recorder->log.mid(0, 3).join(QLatin1Char(' ')).toStdString(),
               "down dragged up");
@@ -171,7 +173,9 @@ TYPED_TEST_P(DesktopContract, TheMousePressesDragsAndReleasesTheTopmostSurface) 
     above.surface->setIgnoresMouseEvents(true);
     this->harness.settle();
     this->harness.movePointer({160, 130});
-    ASSERT_TRUE(this->harness.waitUntil([&] { return below.recorder->hoveredAt == Point{60, 30}; }));
+    ASSERT_TRUE(this->harness.waitUntil([&] {
+        return below.recorder->hoveredAt == Point{60, 30};
+    }));
     this->harness.movePointer({900, 700});
     EXPECT_TRUE(this->harness.waitUntil(
         [&] { return below.recorder->log == QStringList(QStringLiteral("exited")); }));
@@ -183,8 +187,8 @@ TYPED_TEST_P(DesktopContract, HidingASurfaceEndsItsGestureOnce) {
     this->harness.settle();
     this->harness.movePointer({200, 150});
     this->harness.pressLeft();
-    ASSERT_TRUE(
-        this->harness.waitUntil([&] { return mask.recorder->log.contains(QStringLiteral("down")); }));
+    ASSERT_TRUE(this->harness.waitUntil(
+        [&] { return mask.recorder->log.contains(QStringLiteral("down")); }));
     mask.surface->orderOut();
     EXPECT_EQ(mask.recorder->log.count(QStringLiteral("up")), 1);
     this->harness.movePointer({300, 300});

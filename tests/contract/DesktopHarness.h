@@ -1,14 +1,13 @@
 #pragma once
 
-#include <functional>
-#include <vector>
-
-#include <QList>
-#include <QUuid>
-
 #include "Platform/MainLoop.h"
 #include "Platform/OverlaySurfaces.h"
 #include "Platform/Screens.h"
+
+#include <QList>
+#include <QUuid>
+#include <functional>
+#include <vector>
 
 /// What the contract suites need of a desktop, beside its ports. Every back end provides one, with
 /// a single screen of 1280 by 800 points at first.

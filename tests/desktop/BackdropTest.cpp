@@ -1,14 +1,13 @@
-#include <cstdlib>
-
-#include <QPainter>
-#include <gtest/gtest.h>
-
 #include "Platform/Qt/QtMainLoop.h"
 #include "Platform/X11/X11Desktop.h"
 #include "support/RecordingSystemLog.h"
 #include "support/desktop/NeighbourClient.h"
 #include "support/desktop/Screenshot.h"
 #include "support/desktop/Wait.h"
+
+#include <QPainter>
+#include <cstdlib>
+#include <gtest/gtest.h>
 
 namespace {
 

@@ -3,8 +3,9 @@
 #include <QFile>
 
 AppStateFixture::AppStateFixture() {
-    desktop().screens.setScreens({{QStringLiteral("A"), {0, 0, 1280, 800}, {0, 0, 1280, 770}, 1},
-                                  {QStringLiteral("B"), {1280, 0, 1000, 600}, {1280, 0, 1000, 600}, 1}});
+    desktop().screens.setScreens(
+        {{QStringLiteral("A"), {0, 0, 1280, 800}, {0, 0, 1280, 770}, 1},
+         {QStringLiteral("B"), {1280, 0, 1000, 600}, {1280, 0, 1000, 600}, 1}});
     desktop().screens.setPointerLocation({640, 400});
     restart();
 }

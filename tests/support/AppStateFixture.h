@@ -1,13 +1,12 @@
 #pragma once
 
-#include <memory>
-
 #include "App/AppState.h"
 #include "support/HeadlessHarness.h"
 #include "support/RecordingSystemLog.h"
 
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <memory>
 
 /// An application state on the in-memory desktop, with a real workspace folder. Two screens: the
 /// primary one of 1280 by 800 with a 30 point bar on top, and one of 1000 by 600 to its right.

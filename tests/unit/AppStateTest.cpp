@@ -12,10 +12,8 @@ TEST_F(AppStateTest, CreatesMasksAtThePointerInsideItsScreen) {
         Point pointer;
         MaskFrame frame;
     } cases[] = {
-        {{640, 400}, {480, 310, 320, 180}},
-        {{10, 400}, {0, 310, 320, 180}},
-        {{1279, 799}, {960, 590, 320, 180}},
-        {{1300, 5}, {1280, 0, 320, 180}},
+        {{640, 400}, {480, 310, 320, 180}},  {{10, 400}, {0, 310, 320, 180}},
+        {{1279, 799}, {960, 590, 320, 180}}, {{1300, 5}, {1280, 0, 320, 180}},
         {{-500, 9000}, {0, 590, 320, 180}},
     };
     int number = 0;
@@ -198,7 +196,9 @@ TEST_F(AppStateTest, SavesOnceAfterABurstOfChanges) {
 
     // A change to any part of the workspace alone is saved.
     const std::function<void()> changes[] = {
-        [&] { state().groups.set({{QUuid::createUuid(), QStringLiteral("G")}}); },
+        [&] {
+            state().groups.set({{QUuid::createUuid(), QStringLiteral("G")}});
+        },
         [&] { state().presets.set({MaskPreset()}); },
         [&] { state().hasCompletedOnboarding.set(true); },
         [&] { state().settings.update([](AppSettings& s) { s.menuBarOnlyMode = true; }); },

@@ -18,12 +18,14 @@ constexpr Rule rules[] = {
     {"the reactive facility knows nothing of the project", "Reactive",
      R"(#include "(?!Reactive/))"},
     {"records know other records only", "Models", R"(#include "(?!Models/))"},
-    {"ports know no back end", "Platform/*.h", R"(#include "(Platform/(Qt|X11|Headless)|App|Views))"},
+    {"ports know no back end", "Platform/*.h",
+     R"(#include "(Platform/(Qt|X11|Headless)|App|Views))"},
     {"drawing knows records only", "Drawing", R"(#include "(?!Drawing/|Models/))"},
     {"services know no back end and no application", "Services",
      R"(#include "(Platform/(Qt|X11|Headless)|App|Views))"},
     {"the application knows no back end", "App", R"(#include "(Platform/(Qt|X11|Headless)|Views))"},
-    {"X11 stays in its back end", "Reactive Models Drawing Services App Platform/Headless Platform/Qt",
+    {"X11 stays in its back end",
+     "Reactive Models Drawing Services App Platform/Headless Platform/Qt",
      R"(#include [<"](xcb|X11)/)"},
     {"widgets stay out of the core", "Reactive Models Drawing Services App",
      R"(#include <(Q\w*Widget|QApplication|QDBus\w*)>)"},
@@ -41,8 +43,10 @@ QStringList filesIn(const QString& folder) {
         return paths;
     }
     QStringList paths;
-    QDirIterator files(root + folder, {QStringLiteral("*.h"), QStringLiteral("*.cpp")}, QDir::Files);
-    while (files.hasNext()) paths << files.next();
+    QDirIterator files(root + folder, {QStringLiteral("*.h"), QStringLiteral("*.cpp")},
+                       QDir::Files);
+    while (files.hasNext())
+        paths << files.next();
     return paths;
 }
 

@@ -32,7 +32,8 @@ TEST(ScreenPlacement, BringsRectanglesWhollyIntoOneScreen) {
         {"no overlap goes to the first", {5000, 5000, 100, 100}, {900, 600, 100, 100}},
         {"the shared edge is the second's", {900, 200, 200, 100}, {1000, 200, 200, 100}},
     };
-    for (const auto& each : cases) EXPECT_EQ(resolvedFrame(each.given, two), each.expected) << each.what;
+    for (const auto& each : cases)
+        EXPECT_EQ(resolvedFrame(each.given, two), each.expected) << each.what;
     EXPECT_EQ(resolvedFrame({1, 2, 3, 4}, {}), (Rect{1, 2, 3, 4})) << "no screens";
     EXPECT_EQ(bestScreenFrame({0, 900, 10, 10}, two), two[0]);
     EXPECT_FALSE(bestScreenFrame({0, 0, 10, 10}, {}).has_value());
@@ -112,7 +113,8 @@ TEST_F(OverlayManagerTest, ReportsTheFramesThatItResolves) {
 }
 
 TEST_F(OverlayManagerTest, ASyncWithNothingChangedChangesNothing) {
-    for (int i = 0; i < 5; ++i) masks.append(maskAt({i * 100.0, 10, 100, 100}));
+    for (int i = 0; i < 5; ++i)
+        masks.append(maskAt({i * 100.0, 10, 100, 100}));
     masks[3].isVisible = false;
     sync(true, true, masks[2].id);
     const int changes = harness.desktop().overlaySurfaces.changeCount();
@@ -151,7 +153,8 @@ TEST_F(OverlayManagerTest, ShowsSelectionLockAndClickThrough) {
 }
 
 TEST_F(OverlayManagerTest, RepairsWindowsWhenScreensChange) {
-    masks = {maskAt({100, 100, 100, 100}), maskAt({1200, 300, 100, 100}), maskAt({900, 0, 100, 100})};
+    masks = {maskAt({100, 100, 100, 100}), maskAt({1200, 300, 100, 100}),
+             maskAt({900, 0, 100, 100})};
     masks[2].isVisible = false;
     sync();
     reports = 0;

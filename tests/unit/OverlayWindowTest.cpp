@@ -1,9 +1,7 @@
 #include "Services/OverlayWindow.h"
-
-#include <cmath>
-
 #include "support/HeadlessHarness.h"
 
+#include <cmath>
 #include <gtest/gtest.h>
 
 class OverlayWindowTest : public testing::Test, protected OverlayWindowDelegate {
@@ -105,8 +103,8 @@ TEST_F(OverlayWindowTest, SnapsToTheEdgesAndCentreLinesOfItsScreen) {
     };
     for (const auto& each : cases) {
         const SnappedFrame snapped = window.snappedFrame(each.proposed);
-        EXPECT_EQ(snapped.frame, (Rect{each.snapped.x, each.snapped.y, each.proposed.width,
-                                       each.proposed.height}))
+        EXPECT_EQ(snapped.frame,
+                  (Rect{each.snapped.x, each.snapped.y, each.proposed.width, each.proposed.height}))
             << each.what;
         EXPECT_EQ(snapped.guides, each.guides) << each.what;
     }

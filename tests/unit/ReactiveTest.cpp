@@ -1,14 +1,13 @@
-#include <memory>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "Platform/Headless/HeadlessMainLoop.h"
 #include "Reactive/Lifetime.h"
 #include "Reactive/Operators.h"
 #include "Reactive/Published.h"
 
 #include <gtest/gtest.h>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 using namespace std::chrono_literals;
 
@@ -99,14 +98,16 @@ TEST(Published, SourceAndSubscriberMayDieInEitherOrder) {
     EXPECT_EQ(seen, (Seen{0})) << "nobody else is told once the field is dead";
     next.reset();
     killer.reset();
-    EXPECT_FALSE(source.subscribe([](int) { FAIL() << "a dead field delivers nothing"; }).isActive());
+    EXPECT_FALSE(
+        source.subscribe([](int) { FAIL() << "a dead field delivers nothing"; }).isActive());
 
     // An ended subscription may hold the last reference to others of the same field.
     Published<int> other(0);
     auto bag = std::make_unique<SubscriptionBag>();
     auto* const bagPointer = bag.get();
     bagPointer->keep(other.subscribe([](int) {}));
-    bagPointer->keep(other.subscribe([owned = std::shared_ptr<SubscriptionBag>(std::move(bag))](int) {}));
+    bagPointer->keep(
+        other.subscribe([owned = std::shared_ptr<SubscriptionBag>(std::move(bag))](int) {}));
     other.set(1);
     bagPointer->clear();
     other.set(2);

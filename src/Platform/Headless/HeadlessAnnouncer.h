@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QStringList>
-
 #include "Platform/Announcer.h"
+
+#include <QStringList>
 
 /// Keeps what is announced.
 class HeadlessAnnouncer final : public Announcer {

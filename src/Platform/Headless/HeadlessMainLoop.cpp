@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
-void HeadlessMainLoop::post(std::function<void()> task) { m_posted.push_back(std::move(task)); }
+void HeadlessMainLoop::post(std::function<void()> task) {
+    m_posted.push_back(std::move(task));
+}
 
 Subscription HeadlessMainLoop::after(std::chrono::milliseconds delay, std::function<void()> task) {
     const TimerKey key{m_now + std::max(delay, std::chrono::milliseconds(0)), m_nextTimer++};
@@ -29,14 +31,16 @@ void HeadlessMainLoop::quit(int status) {
 
 void HeadlessMainLoop::runTurn() {
     auto tasks = std::exchange(m_posted, {});
-    for (const auto& task : tasks) task();
+    for (const auto& task : tasks)
+        task();
     runDueTimers();
 }
 
 void HeadlessMainLoop::advanceBy(std::chrono::milliseconds duration) {
     const auto end = m_now + duration;
     for (;;) {
-        while (!m_posted.empty() || hasDueTimer()) runTurn();
+        while (!m_posted.empty() || hasDueTimer())
+            runTurn();
         if (m_timers.empty() || m_timers.begin()->first.first > end) break;
         m_now = m_timers.begin()->first.first;
     }

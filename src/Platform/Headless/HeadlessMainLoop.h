@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/MainLoop.h"
+
 #include <chrono>
 #include <cstdint>
 #include <deque>
@@ -7,8 +9,6 @@
 #include <map>
 #include <memory>
 #include <utility>
-
-#include "Platform/MainLoop.h"
 
 /// A main loop on a virtual clock that only its owner turns.
 class HeadlessMainLoop final : public MainLoop {

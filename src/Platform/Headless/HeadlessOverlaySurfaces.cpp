@@ -1,15 +1,17 @@
 #include "Platform/Headless/HeadlessOverlaySurfaces.h"
 
+#include "Services/ScreenPlacement.h"
+
 #include <algorithm>
 #include <utility>
-
-#include "Services/ScreenPlacement.h"
 
 HeadlessSurface::HeadlessSurface(HeadlessOverlaySurfaces& owner, SurfaceDescription description,
                                  SurfaceDelegate* delegate)
     : m_owner(owner), m_description(std::move(description)), m_delegate(delegate) {}
 
-HeadlessSurface::~HeadlessSurface() { m_owner.forget(this); }
+HeadlessSurface::~HeadlessSurface() {
+    m_owner.forget(this);
+}
 
 void HeadlessSurface::setFrame(const Rect& frame) {
     const Rect previous = std::exchange(m_description.frame, frame);
@@ -119,7 +121,9 @@ void HeadlessOverlaySurfaces::pressMouse() {
     if (m_pressed) m_pressed->m_delegate->mouseDown(positionIn(*m_pressed, global), global);
 }
 
-void HeadlessOverlaySurfaces::releaseMouse() { endGestureOf(m_pressed); }
+void HeadlessOverlaySurfaces::releaseMouse() {
+    endGestureOf(m_pressed);
+}
 
 void HeadlessOverlaySurfaces::endGestureOf(const HeadlessSurface* surface) {
     if (!surface || m_pressed != surface) return;
@@ -138,7 +142,8 @@ void HeadlessOverlaySurfaces::followScreens() {
 HeadlessSurface* HeadlessOverlaySurfaces::surfaceAt(Point global) const {
     const auto found =
         std::find_if(m_shown.rbegin(), m_shown.rend(), [&](const HeadlessSurface* each) {
-            return !each->m_ignoresMouseEvents && each->m_delegate && each->frame().contains(global);
+            return !each->m_ignoresMouseEvents && each->m_delegate &&
+                   each->frame().contains(global);
         });
     return found == m_shown.rend() ? nullptr : *found;
 }

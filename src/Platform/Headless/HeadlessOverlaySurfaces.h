@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstdint>
-#include <vector>
-
 #include "Platform/Headless/HeadlessScreens.h"
 #include "Platform/OverlaySurfaces.h"
+
+#include <cstdint>
+#include <vector>
 
 class HeadlessOverlaySurfaces;
 

@@ -15,9 +15,9 @@ enum Politeness { polite = 1, assertive = 2 };
 void AtSpiAnnouncer::announce(const QString& message, int priority) {
     const QDBusConnection bus(QStringLiteral("a11y"));
     if (!bus.isConnected()) return;
-    auto signal = QDBusMessage::createSignal(
-        QStringLiteral("/org/a11y/atspi/accessible/root"),
-        QStringLiteral("org.a11y.atspi.Event.Object"), QStringLiteral("Announcement"));
+    auto signal = QDBusMessage::createSignal(QStringLiteral("/org/a11y/atspi/accessible/root"),
+                                             QStringLiteral("org.a11y.atspi.Event.Object"),
+                                             QStringLiteral("Announcement"));
     signal << QString() << static_cast<int>(priority >= highPriority ? assertive : polite) << 0
            << QVariant::fromValue(QDBusVariant(message)) << QVariantMap();
     bus.send(signal);

@@ -1,10 +1,9 @@
 #include "Platform/Qt/QtMainLoop.h"
 
-#include <memory>
-#include <utility>
-
 #include <QCoreApplication>
 #include <QTimer>
+#include <memory>
+#include <utility>
 
 void QtMainLoop::post(std::function<void()> task) {
     QMetaObject::invokeMethod(&m_context, std::move(task), Qt::QueuedConnection);
@@ -24,7 +23,9 @@ Subscription QtMainLoop::after(std::chrono::milliseconds delay, std::function<vo
     return Subscription([timer] { timer->stop(); });
 }
 
-int QtMainLoop::run() { return QCoreApplication::exec(); }
+int QtMainLoop::run() {
+    return QCoreApplication::exec();
+}
 
 void QtMainLoop::quit(int status) {
     // Posted, so that it also ends a loop that is only about to start.

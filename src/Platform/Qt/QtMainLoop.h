@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QObject>
-
 #include "Platform/MainLoop.h"
+
+#include <QObject>
 
 /// The event loop of the toolkit. A QCoreApplication must exist.
 class QtMainLoop final : public MainLoop {

@@ -2,14 +2,17 @@
 
 #include <algorithm>
 #include <utility>
-
 #include <xcb/composite.h>
 #include <xcb/xfixes.h>
 
 namespace {
 
-int16_t toInt16(int value) { return static_cast<int16_t>(std::clamp(value, -32768, 32767)); }
-uint16_t toUint16(int value) { return static_cast<uint16_t>(std::clamp(value, 1, 65535)); }
+int16_t toInt16(int value) {
+    return static_cast<int16_t>(std::clamp(value, -32768, 32767));
+}
+uint16_t toUint16(int value) {
+    return static_cast<uint16_t>(std::clamp(value, 1, 65535));
+}
 
 // A picture of a drawable, freed with this object.
 class Picture {
@@ -59,7 +62,9 @@ BackdropSource::BackdropSource(XcbConnection& connection) : m_connection(connect
                 m_formats.emplace(visual.data->visual, visual.data->format);
 }
 
-BackdropSource::~BackdropSource() { setActive(false); }
+BackdropSource::~BackdropSource() {
+    setActive(false);
+}
 
 void BackdropSource::setActive(bool isActive) {
     const bool shouldBeActive = isActive && m_isAvailable;
@@ -150,8 +155,8 @@ std::vector<BackdropSource::Layer> BackdropSource::readLayers() {
         cookies.emplace_back(xcb_get_window_attributes(m_connection, children[i]),
                              xcb_get_geometry(m_connection, children[i]));
     for (std::size_t i = 0; i < count; ++i) {
-        const auto attributes = xcbReply(xcb_get_window_attributes_reply, m_connection.get(),
-                                         cookies[i].first);
+        const auto attributes =
+            xcbReply(xcb_get_window_attributes_reply, m_connection.get(), cookies[i].first);
         const auto geometry =
             xcbReply(xcb_get_geometry_reply, m_connection.get(), cookies[i].second);
         if (!attributes || !geometry || attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
@@ -236,16 +241,17 @@ void BackdropSource::learnRootColor(const std::vector<Layer>& layers) {
     constexpr int pointsPerSide = 8;
     const xcb_screen_t& screen = m_connection.screen();
     for (int i = 0; i < pointsPerSide * pointsPerSide; ++i) {
-        const QPoint point((i % pointsPerSide) * (screen.width_in_pixels - 1) / (pointsPerSide - 1),
-                           (i / pointsPerSide) * (screen.height_in_pixels - 1) / (pointsPerSide - 1));
-        const bool isCovered =
-            std::any_of(layers.begin(), layers.end(),
-                        [&](const Layer& layer) { return layer.rect.contains(point); });
+        const QPoint point(
+            (i % pointsPerSide) * (screen.width_in_pixels - 1) / (pointsPerSide - 1),
+            (i / pointsPerSide) * (screen.height_in_pixels - 1) / (pointsPerSide - 1));
+        const bool isCovered = std::any_of(layers.begin(), layers.end(), [&](const Layer& layer) {
+            return layer.rect.contains(point);
+        });
         if (isCovered) continue;
-        const auto reply = xcbReply(
-            xcb_get_image_reply, m_connection.get(),
-            xcb_get_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_connection.root(),
-                          toInt16(point.x()), toInt16(point.y()), 1, 1, ~0U));
+        const auto reply =
+            xcbReply(xcb_get_image_reply, m_connection.get(),
+                     xcb_get_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_connection.root(),
+                                   toInt16(point.x()), toInt16(point.y()), 1, 1, ~0U));
         if (!reply || xcb_get_image_data_length(reply.get()) < 4) return;
         const uint8_t* const bytes = xcb_get_image_data(reply.get());
         m_rootColor = QColor(bytes[2], bytes[1], bytes[0]);

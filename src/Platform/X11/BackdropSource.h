@@ -1,17 +1,15 @@
 #pragma once
 
-#include <functional>
-#include <optional>
-#include <unordered_map>
-#include <vector>
+#include "Platform/X11/XcbConnection.h"
+#include "Reactive/Subscription.h"
 
 #include <QColor>
 #include <QImage>
 #include <QRect>
-
-#include "Platform/X11/XcbConnection.h"
-#include "Reactive/Subscription.h"
-
+#include <functional>
+#include <optional>
+#include <unordered_map>
+#include <vector>
 #include <xcb/damage.h>
 #include <xcb/render.h>
 

@@ -1,7 +1,6 @@
 #include "Platform/X11/CursorTheme.h"
 
 #include <initializer_list>
-
 #include <xcb/xcb_cursor.h>
 
 namespace {

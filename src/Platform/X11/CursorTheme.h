@@ -1,9 +1,9 @@
 #pragma once
 
-#include <map>
-
 #include "Platform/OverlaySurfaces.h"
 #include "Platform/X11/XcbConnection.h"
+
+#include <map>
 
 struct xcb_cursor_context_t;
 

@@ -1,10 +1,10 @@
 #include "Platform/X11/DesktopSpace.h"
 
+#include "Services/ScreenPlacement.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
-
-#include "Services/ScreenPlacement.h"
 
 namespace {
 
@@ -37,11 +37,10 @@ DesktopSpace::DesktopSpace(QList<NativeScreen> screens, QSize rootSize)
 }
 
 const NativeScreen& DesktopSpace::screenNear(QPoint native) const {
-    return *std::min_element(m_native.begin(), m_native.end(),
-                             [&](const NativeScreen& a, const NativeScreen& b) {
-                                 return squaredDistance(a.frame, native) <
-                                        squaredDistance(b.frame, native);
-                             });
+    return *std::min_element(
+        m_native.begin(), m_native.end(), [&](const NativeScreen& a, const NativeScreen& b) {
+            return squaredDistance(a.frame, native) < squaredDistance(b.frame, native);
+        });
 }
 
 Point DesktopSpace::toGlobal(QPoint native) const {
@@ -66,7 +65,8 @@ Rect DesktopSpace::toGlobal(const QRect& native) const {
 
 qsizetype DesktopSpace::screenIndexOf(const Rect& global) const {
     QList<Rect> frames;
-    for (const ScreenInfo& screen : m_screens) frames.append(screen.frame);
+    for (const ScreenInfo& screen : m_screens)
+        frames.append(screen.frame);
     const auto best = bestScreenFrame(global, frames);
     return best ? frames.indexOf(*best) : 0;
 }

@@ -1,15 +1,14 @@
 #pragma once
 
-#include <cstdint>
-#include <optional>
-#include <vector>
+#include "Models/Geometry.h"
+#include "Platform/Screens.h"
 
 #include <QList>
 #include <QRect>
 #include <QString>
-
-#include "Models/Geometry.h"
-#include "Platform/Screens.h"
+#include <cstdint>
+#include <optional>
+#include <vector>
 
 /// A display as the X server counts it: device pixels, origin top-left of the root, y downward.
 struct NativeScreen {

@@ -1,13 +1,12 @@
 #include "Platform/X11/LeftoverWindows.h"
 
-#include <set>
-#include <vector>
+#include "Platform/SystemLog.h"
+#include "Platform/X11/XcbConnection.h"
 
 #include <QFile>
 #include <QSysInfo>
-
-#include "Platform/SystemLog.h"
-#include "Platform/X11/XcbConnection.h"
+#include <set>
+#include <vector>
 
 namespace {
 

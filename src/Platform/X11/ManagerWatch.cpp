@@ -1,7 +1,6 @@
 #include "Platform/X11/ManagerWatch.h"
 
 #include <utility>
-
 #include <xcb/xfixes.h>
 
 ManagerWatch::ManagerWatch(XcbConnection& connection, SystemLog& log) : m_connection(connection) {
@@ -22,9 +21,9 @@ void ManagerWatch::watchSelections(SystemLog& log) {
     }
     const auto version = xcbReply(xcb_xfixes_query_version_reply, m_connection.get(),
                                   xcb_xfixes_query_version(m_connection, 5, 0));
-    m_selectionEvent = static_cast<uint8_t>(
-        xcb_get_extension_data(m_connection, &xcb_xfixes_id)->first_event +
-        XCB_XFIXES_SELECTION_NOTIFY);
+    m_selectionEvent =
+        static_cast<uint8_t>(xcb_get_extension_data(m_connection, &xcb_xfixes_id)->first_event +
+                             XCB_XFIXES_SELECTION_NOTIFY);
     const X11Atoms& atoms = m_connection.atoms();
     for (const xcb_atom_t selection : {atoms.wmSelection, atoms.compositorSelection})
         xcb_xfixes_select_selection_input(
@@ -43,9 +42,9 @@ void ManagerWatch::readManagerName() {
 }
 
 bool ManagerWatch::readIsCompositing() const {
-    const auto reply = xcbReply(
-        xcb_get_selection_owner_reply, m_connection.get(),
-        xcb_get_selection_owner(m_connection, m_connection.atoms().compositorSelection));
+    const auto reply =
+        xcbReply(xcb_get_selection_owner_reply, m_connection.get(),
+                 xcb_get_selection_owner(m_connection, m_connection.atoms().compositorSelection));
     return reply && reply->owner != XCB_NONE;
 }
 

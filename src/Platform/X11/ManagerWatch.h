@@ -1,10 +1,10 @@
 #pragma once
 
-#include <functional>
-
 #include "Platform/SystemLog.h"
 #include "Platform/X11/XcbConnection.h"
 #include "Reactive/Subscription.h"
+
+#include <functional>
 
 /// Watches the window manager and the compositor of the display come and go.
 class ManagerWatch {

@@ -1,14 +1,12 @@
 #include "Platform/X11/NativeOverlayWindow.h"
 
-#include <algorithm>
-#include <array>
-#include <utility>
+#include "Models/ScreenMask.h"
 
 #include <QCoreApplication>
 #include <QSysInfo>
-
-#include "Models/ScreenMask.h"
-
+#include <algorithm>
+#include <array>
+#include <utility>
 #include <xcb/shape.h>
 
 namespace {
@@ -31,8 +29,12 @@ std::optional<xcb_visualid_t> findAlphaVisual(const xcb_screen_t& screen) {
     return std::nullopt;
 }
 
-int16_t toInt16(int value) { return static_cast<int16_t>(std::clamp(value, -32768, 32767)); }
-uint16_t toUint16(int value) { return static_cast<uint16_t>(std::clamp(value, 1, 65535)); }
+int16_t toInt16(int value) {
+    return static_cast<int16_t>(std::clamp(value, -32768, 32767));
+}
+uint16_t toUint16(int value) {
+    return static_cast<uint16_t>(std::clamp(value, 1, 65535));
+}
 
 }  // namespace
 
@@ -63,10 +65,7 @@ OverlayVisual::~OverlayVisual() {
 NativeOverlayWindow::NativeOverlayWindow(XcbConnection& connection, const OverlayVisual& visual,
                                          const QRect& rect, const QString& title,
                                          const std::optional<QUuid>& maskID)
-    : m_connection(connection),
-      m_visual(visual),
-      m_id(xcb_generate_id(connection)),
-      m_rect(rect) {
+    : m_connection(connection), m_visual(visual), m_id(xcb_generate_id(connection)), m_rect(rect) {
     const uint32_t eventMask = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
                                XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_ENTER_WINDOW |
                                XCB_EVENT_MASK_LEAVE_WINDOW | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
@@ -121,7 +120,8 @@ void NativeOverlayWindow::setPicture(QSize size, const QList<Part>& parts) {
     const xcb_pixmap_t pixmap = xcb_generate_id(m_connection);
     xcb_create_pixmap(m_connection, m_visual.depth(), pixmap, m_id, toUint16(size.width()),
                       toUint16(size.height()));
-    for (const Part& part : parts) putImage(pixmap, part);
+    for (const Part& part : parts)
+        putImage(pixmap, part);
     xcb_change_window_attributes(m_connection, m_id, XCB_CW_BACK_PIXMAP, &pixmap);
     // The window keeps the picture; only the name is given up.
     xcb_free_pixmap(m_connection, pixmap);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <optional>
+#include "Platform/X11/XcbConnection.h"
 
 #include <QByteArray>
 #include <QImage>
@@ -8,8 +8,7 @@
 #include <QRect>
 #include <QString>
 #include <QUuid>
-
-#include "Platform/X11/XcbConnection.h"
+#include <optional>
 
 /// How overlay windows store their pixels: with an alpha channel where the server has it.
 class OverlayVisual {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <optional>
-
 #include "Platform/X11/XcbConnection.h"
+
+#include <optional>
 
 class X11OverlaySurface;
 class X11OverlaySurfaces;

@@ -9,7 +9,8 @@ bool rangesOverlap(int startA, int endA, int startB, int endB) {
 }
 
 QRect withoutPanel(const QRect& screen, const QRect& visible, const PanelStrut& panel, QSize root) {
-    const bool isBeside = rangesOverlap(panel.leftStart, panel.leftEnd, screen.top(), screen.bottom());
+    const bool isBeside =
+        rangesOverlap(panel.leftStart, panel.leftEnd, screen.top(), screen.bottom());
     const bool isBesideRight =
         rangesOverlap(panel.rightStart, panel.rightEnd, screen.top(), screen.bottom());
     const bool isAbove = rangesOverlap(panel.topStart, panel.topEnd, screen.left(), screen.right());
@@ -21,8 +22,7 @@ QRect withoutPanel(const QRect& screen, const QRect& visible, const PanelStrut& 
     int right = visible.right();
     int bottom = visible.bottom();
     if (panel.left > 0 && isBeside) left = std::max(left, panel.left);
-    if (panel.right > 0 && isBesideRight)
-        right = std::min(right, root.width() - panel.right - 1);
+    if (panel.right > 0 && isBesideRight) right = std::min(right, root.width() - panel.right - 1);
     if (panel.top > 0 && isAbove) top = std::max(top, panel.top);
     if (panel.bottom > 0 && isBelow) bottom = std::min(bottom, root.height() - panel.bottom - 1);
 

@@ -1,9 +1,8 @@
 #include "Platform/X11/X11Desktop.h"
 
-#include <utility>
-
 #include <QGuiApplication>
 #include <QScreen>
+#include <utility>
 
 namespace {
 
@@ -40,8 +39,8 @@ X11Desktop::X11Desktop(std::unique_ptr<XcbConnection> connection, Scheduler& sch
                        SystemLog& log, SurfaceAccessibility* accessibility)
     : m_connection(std::move(connection)),
       m_screens(*m_connection, toolkitScaleFactor),
-      m_overlaySurfaces({*m_connection, m_screens, scheduler, log, accessibility,
-                         toolkitWindowTest()}) {
+      m_overlaySurfaces(
+          {*m_connection, m_screens, scheduler, log, accessibility, toolkitWindowTest()}) {
     followToolkitScreens();
 }
 
@@ -53,7 +52,8 @@ void X11Desktop::followToolkitScreens() {
                 [this] { m_screens.refresh(); });
     };
     const auto screens = QGuiApplication::screens();
-    for (QScreen* screen : screens) follow(screen);
+    for (QScreen* screen : screens)
+        follow(screen);
     connect(qGuiApp, &QGuiApplication::screenAdded, this, [this, follow](QScreen* screen) {
         follow(screen);
         m_screens.refresh();

@@ -1,17 +1,16 @@
 #pragma once
 
-#include <functional>
-#include <memory>
-
-#include <QObject>
-#include <QString>
-
 #include "Platform/MainLoop.h"
 #include "Platform/SurfaceAccessibility.h"
 #include "Platform/SystemLog.h"
 #include "Platform/X11/X11OverlaySurfaces.h"
 #include "Platform/X11/X11Screens.h"
 #include "Platform/X11/XcbConnection.h"
+
+#include <QObject>
+#include <QString>
+#include <functional>
+#include <memory>
 
 /// The X11 back end: one connection with the screens and overlay surfaces on it. A QGuiApplication
 /// on the same display must exist, for the scale factors and to tell its own windows.

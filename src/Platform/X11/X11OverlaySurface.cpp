@@ -1,11 +1,10 @@
 #include "Platform/X11/X11OverlaySurface.h"
 
-#include <utility>
-
-#include <QPainter>
-
 #include "Platform/X11/X11OverlaySurfaces.h"
 #include "Services/ScreenPlacement.h"
+
+#include <QPainter>
+#include <utility>
 
 X11OverlaySurface::X11OverlaySurface(X11OverlaySurfaces& owner, SurfaceDescription description,
                                      SurfaceDelegate* delegate,

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <cstdint>
-#include <memory>
-#include <optional>
-
 #include "Platform/OverlaySurfaces.h"
 #include "Platform/X11/DesktopSpace.h"
 #include "Platform/X11/NativeOverlayWindow.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
 
 class X11OverlaySurfaces;
 
@@ -40,7 +40,9 @@ public:
     /// Sends to the server what differs from the wanted state, mapping and stacking excepted.
     void apply(const DesktopSpace& space);
     /// Paints what is shown again, on what lies below it now.
-    void repaint() { if (m_isShown && m_content) paint(m_window->rect()); }
+    void repaint() {
+        if (m_isShown && m_content) paint(m_window->rect());
+    }
     /// Lets the next `apply` paint.
     void requirePainting() {
         m_needsPainting = true;

@@ -1,9 +1,9 @@
 #include "Platform/X11/X11OverlaySurfaces.h"
 
+#include "Platform/X11/LeftoverWindows.h"
+
 #include <algorithm>
 #include <utility>
-
-#include "Platform/X11/LeftoverWindows.h"
 
 namespace {
 
@@ -35,8 +35,8 @@ X11OverlaySurfaces::~X11OverlaySurfaces() = default;
 
 std::unique_ptr<OverlaySurface> X11OverlaySurfaces::createSurface(
     const SurfaceDescription& description, SurfaceDelegate* delegate) {
-    auto surface = std::make_unique<X11OverlaySurface>(*this, description, delegate,
-                                                       makeWindow(description));
+    auto surface =
+        std::make_unique<X11OverlaySurface>(*this, description, delegate, makeWindow(description));
     m_surfaces.push_back(surface.get());
     return surface;
 }
@@ -83,7 +83,9 @@ void X11OverlaySurfaces::describe(X11OverlaySurface& surface,
     if (m_services.accessibility) m_services.accessibility->describe(surface, description);
 }
 
-void X11OverlaySurfaces::endGestureOf(X11OverlaySurface& surface) { m_input.endGestureOf(surface); }
+void X11OverlaySurfaces::endGestureOf(X11OverlaySurface& surface) {
+    m_input.endGestureOf(surface);
+}
 
 QImage::Format X11OverlaySurfaces::imageFormat() const {
     return m_visual.hasAlpha() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
@@ -96,7 +98,8 @@ void X11OverlaySurfaces::commitUnlessBatched() {
 void X11OverlaySurfaces::commit() {
     if (std::exchange(m_needsApply, false)) {
         const DesktopSpace& space = m_services.screens.space();
-        for (X11OverlaySurface* surface : m_surfaces) surface->apply(space);
+        for (X11OverlaySurface* surface : m_surfaces)
+            surface->apply(space);
         tellPlaces();
     }
     if (std::exchange(m_needsOrder, false)) {
@@ -129,7 +132,8 @@ void X11OverlaySurfaces::applyOrder() {
     const auto shown = shownInOrder();
     std::vector<xcb_window_t> stack;
     stack.reserve(shown.size());
-    for (const X11OverlaySurface* surface : shown) stack.push_back(surface->window().id());
+    for (const X11OverlaySurface* surface : shown)
+        stack.push_back(surface->window().id());
 
     // What went only leaves the others where they are.
     std::erase_if(m_stack, [&](xcb_window_t window) {
@@ -199,7 +203,8 @@ void X11OverlaySurfaces::followScreens() {
     const SurfaceBatch batch(*this);
     const DesktopSpace& space = m_services.screens.space();
     const QList<ScreenInfo> oldScreens = std::exchange(m_knownScreens, space.screens());
-    for (X11OverlaySurface* surface : m_surfaces) surface->followScreens(oldScreens, space);
+    for (X11OverlaySurface* surface : m_surfaces)
+        surface->followScreens(oldScreens, space);
     m_needsApply = true;
 }
 
@@ -219,7 +224,8 @@ void X11OverlaySurfaces::remakeWindows() {
 void X11OverlaySurfaces::followCompositing() {
     const SurfaceBatch batch(*this);
     updateBackdrops();
-    for (X11OverlaySurface* surface : m_surfaces) surface->requirePainting();
+    for (X11OverlaySurface* surface : m_surfaces)
+        surface->requirePainting();
     m_needsApply = true;
 }
 
@@ -252,8 +258,8 @@ void X11OverlaySurfaces::noteBackdropChange(const QRect& rect) {
     using namespace std::chrono;
     const auto due = m_lastRefresh + shortestRefreshInterval;
     const auto wait = duration_cast<milliseconds>(due - steady_clock::now());
-    m_pendingRefresh = m_services.scheduler.after(std::max(wait, milliseconds(0)),
-                                                  [this] { refreshBackdrops(); });
+    m_pendingRefresh =
+        m_services.scheduler.after(std::max(wait, milliseconds(0)), [this] { refreshBackdrops(); });
 }
 
 void X11OverlaySurfaces::refreshBackdrops() {
@@ -274,14 +280,15 @@ void X11OverlaySurfaces::refreshBackdrops() {
 }
 
 X11OverlaySurface* X11OverlaySurfaces::surfaceOf(xcb_window_t window) const {
-    const auto found =
-        std::find_if(m_surfaces.begin(), m_surfaces.end(), [&](const X11OverlaySurface* surface) {
-            return surface->window().id() == window;
-        });
+    const auto found = std::find_if(
+        m_surfaces.begin(), m_surfaces.end(),
+        [&](const X11OverlaySurface* surface) { return surface->window().id() == window; });
     return found == m_surfaces.end() ? nullptr : *found;
 }
 
-std::vector<xcb_window_t> X11OverlaySurfaces::shownWindows() const { return m_stack; }
+std::vector<xcb_window_t> X11OverlaySurfaces::shownWindows() const {
+    return m_stack;
+}
 
 bool X11OverlaySurfaces::isOwnWindow(xcb_window_t window) const {
     return m_services.isOwnWindow(window);

@@ -1,14 +1,5 @@
 #pragma once
 
-#include <chrono>
-#include <cstdint>
-#include <functional>
-#include <memory>
-#include <optional>
-#include <vector>
-
-#include <QRegion>
-
 #include "Platform/OverlaySurfaces.h"
 #include "Platform/SurfaceAccessibility.h"
 #include "Platform/X11/BackdropSource.h"
@@ -20,6 +11,14 @@
 #include "Platform/X11/X11OverlaySurface.h"
 #include "Platform/X11/X11Screens.h"
 #include "Platform/X11/XcbConnection.h"
+
+#include <QRegion>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
 
 /// The overlay windows of this program on the X server: makes them, keeps them in their order and
 /// above the windows of others, and hands them the mouse. While one is shown, the windows are

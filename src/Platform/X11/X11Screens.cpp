@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <utility>
-
 #include <xcb/randr.h>
 
 namespace {
@@ -110,9 +109,9 @@ void X11Screens::handleEvent(const xcb_generic_event_t& event) {
     } else if (type == XCB_PROPERTY_NOTIFY) {
         const auto& property = reinterpret_cast<const xcb_property_notify_event_t&>(event);
         const bool isRoot = property.window == m_connection.root();
-        m_needsRefresh |= isRoot && (property.atom == atoms.netClientList ||
-                                     property.atom == atoms.netWorkarea ||
-                                     property.atom == atoms.netCurrentDesktop);
+        m_needsRefresh |=
+            isRoot && (property.atom == atoms.netClientList || property.atom == atoms.netWorkarea ||
+                       property.atom == atoms.netCurrentDesktop);
         m_needsRefresh |= !isRoot && (property.atom == atoms.netWmStrut ||
                                       property.atom == atoms.netWmStrutPartial);
     }

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <functional>
-
 #include "Platform/Screens.h"
 #include "Platform/X11/DesktopSpace.h"
 #include "Platform/X11/PanelStruts.h"
 #include "Platform/X11/XcbConnection.h"
 #include "Reactive/Notifier.h"
+
+#include <functional>
 
 /// The monitors of the X server, less the panels on each, and the pointer. Everything is read
 /// again when an event says that something changed, and only then.

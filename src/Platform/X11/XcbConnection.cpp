@@ -1,16 +1,16 @@
 #include "Platform/X11/XcbConnection.h"
 
-#include <array>
-#include <utility>
-
 #include <QAbstractEventDispatcher>
 #include <QSocketNotifier>
+#include <array>
+#include <utility>
 
 namespace {
 
 xcb_screen_t* screenNumbered(xcb_connection_t* connection, int number) {
     auto iterator = xcb_setup_roots_iterator(xcb_get_setup(connection));
-    for (int i = 0; i < number && iterator.rem > 1; ++i) xcb_screen_next(&iterator);
+    for (int i = 0; i < number && iterator.rem > 1; ++i)
+        xcb_screen_next(&iterator);
     return iterator.data;
 }
 
@@ -131,7 +131,8 @@ void XcbConnection::processEvents() {
 }
 
 void XcbConnection::dispatchQueued() {
-    while (auto* const first = xcb_poll_for_queued_event(m_connection)) dispatchBurst(first);
+    while (auto* const first = xcb_poll_for_queued_event(m_connection))
+        dispatchBurst(first);
 }
 
 void XcbConnection::dispatchBurst(xcb_generic_event_t* first) {
@@ -176,10 +177,10 @@ QByteArray XcbConnection::property8(xcb_window_t window, xcb_atom_t property) co
 
 xcb_atom_t XcbConnection::atom(const QByteArray& name) const {
     constexpr uint8_t onlyIfExists = 1;
-    const auto reply = xcbReply(xcb_intern_atom_reply, m_connection,
-                                xcb_intern_atom(m_connection, onlyIfExists,
-                                                static_cast<uint16_t>(name.size()),
-                                                name.constData()));
+    const auto reply =
+        xcbReply(xcb_intern_atom_reply, m_connection,
+                 xcb_intern_atom(m_connection, onlyIfExists, static_cast<uint16_t>(name.size()),
+                                 name.constData()));
     return reply ? reply->atom : xcb_atom_t{XCB_NONE};
 }
 

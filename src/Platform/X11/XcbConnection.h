@@ -1,18 +1,16 @@
 #pragma once
 
-#include <functional>
-#include <memory>
-#include <optional>
-#include <vector>
-
-#include <QByteArray>
-#include <QObject>
-#include <QString>
-
 #include "Platform/X11/XcbReply.h"
 #include "Reactive/Notifier.h"
 #include "Reactive/Subscription.h"
 
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
 #include <xcb/xcb.h>
 
 class QSocketNotifier;

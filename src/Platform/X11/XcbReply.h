@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <memory>
 #include <utility>
-
 #include <xcb/xcb.h>
 
 /// Frees what xcb allocates.
