@@ -1,11 +1,9 @@
 #include "Services/OverlayManager.h"
 
+#include "Services/ScreenPlacement.h"
+
 #include <algorithm>
 #include <utility>
-
-#include <QSet>
-
-#include "Services/ScreenPlacement.h"
 
 OverlayManager::OverlayManager(MainLoop& mainLoop, Screens& screens, OverlaySurfaces& surfaces)
     : m_screens(screens), m_surfaces(surfaces) {
@@ -26,11 +24,12 @@ void OverlayManager::sync(const QList<ScreenMask>& masks, bool areMasksVisible,
 
     {
         const SurfaceBatch batch(m_surfaces);
-        closeWindowsExcept(masks);
+        ++m_syncNumber;
         const QList<Rect> frames = visibleFrames(m_screens);
         for (const ScreenMask& mask : masks)
             syncWindow(mask, areMasksVisible && mask.isVisible, isEditingEnabled,
                        selectedMaskID == mask.id, frames);
+        closeWindowsLeftOut();
     }
 
     const auto visibleCount = std::count_if(masks.begin(), masks.end(),
@@ -66,6 +65,7 @@ void OverlayManager::windowDidResize(OverlayWindow& window) { reportFrame(window
 OverlayWindow& OverlayManager::findOrCreateWindow(const ScreenMask& mask) {
     Entry& entry = m_windows[mask.id];
     entry.modelFrame = mask.frame;
+    entry.lastSync = m_syncNumber;
     std::unique_ptr<OverlayWindow>& window = entry.window;
     if (window) return *window;
     window = std::make_unique<OverlayWindow>(mask.id, mask.frame, m_surfaces, m_screens,
@@ -76,11 +76,9 @@ OverlayWindow& OverlayManager::findOrCreateWindow(const ScreenMask& mask) {
     return *window;
 }
 
-void OverlayManager::closeWindowsExcept(const QList<ScreenMask>& masks) {
-    QSet<QUuid> ids;
-    ids.reserve(masks.size());
-    for (const ScreenMask& mask : masks) ids.insert(mask.id);
-    std::erase_if(m_windows, [&](const auto& entry) { return !ids.contains(entry.first); });
+void OverlayManager::closeWindowsLeftOut() {
+    std::erase_if(m_windows,
+                  [this](const auto& entry) { return entry.second.lastSync != m_syncNumber; });
 }
 
 void OverlayManager::syncWindow(const ScreenMask& mask, bool isShown, bool isEditingEnabled,

@@ -1,14 +1,5 @@
 #pragma once
 
-#include <cstddef>
-#include <functional>
-#include <memory>
-#include <optional>
-#include <unordered_map>
-
-#include <QList>
-#include <QUuid>
-
 #include "Models/ScreenMask.h"
 #include "Platform/MainLoop.h"
 #include "Platform/OverlaySurfaces.h"
@@ -16,6 +7,15 @@
 #include "Reactive/Lifetime.h"
 #include "Reactive/Published.h"
 #include "Services/OverlayWindow.h"
+
+#include <QList>
+#include <QUuid>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <unordered_map>
 
 /// Keeps exactly one overlay window for every mask of the model and keeps its frame, visibility,
 /// click-through state and look in step. Reports moved frames and clicks back, and repairs the
@@ -61,10 +61,12 @@ private:
         std::unique_ptr<OverlayWindow> window;
         /// The frame that the model holds, as far as is known here.
         MaskFrame modelFrame;
+        /// The number of the last sync that had the mask.
+        std::uint64_t lastSync = 0;
     };
 
     OverlayWindow& findOrCreateWindow(const ScreenMask& mask);
-    void closeWindowsExcept(const QList<ScreenMask>& masks);
+    void closeWindowsLeftOut();
     void syncWindow(const ScreenMask& mask, bool isShown, bool isEditingEnabled, bool isSelected,
                     const QList<Rect>& frames);
     void recoverWindowsForCurrentScreens();
@@ -75,6 +77,7 @@ private:
     FrameChanged m_onMaskFrameChanged;
     MaskSelected m_onMaskSelected;
     bool m_isSyncing = false;
+    std::uint64_t m_syncNumber = 0;
     std::unordered_map<QUuid, Entry, UuidHash> m_windows;
     Lifetime m_lifetime;
     Subscription m_screenObserver;
