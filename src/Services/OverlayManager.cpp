@@ -2,7 +2,6 @@
 
 #include "Services/ScreenPlacement.h"
 
-#include <QSet>
 #include <algorithm>
 #include <utility>
 
@@ -25,7 +24,7 @@ void OverlayManager::sync(const QList<ScreenMask>& masks, bool areMasksVisible,
 
     {
         const SurfaceBatch batch(m_surfaces);
-        closeWindowsExcept(masks);
+        closeWindowsLeftOut(masks);
         const QList<Rect> frames = visibleFrames(m_screens);
         for (const ScreenMask& mask : masks)
             syncWindow(mask, areMasksVisible && mask.isVisible, isEditingEnabled,
@@ -79,12 +78,14 @@ OverlayWindow& OverlayManager::findOrCreateWindow(const ScreenMask& mask) {
     return *window;
 }
 
-void OverlayManager::closeWindowsExcept(const QList<ScreenMask>& masks) {
-    QSet<QUuid> ids;
-    ids.reserve(masks.size());
-    for (const ScreenMask& mask : masks)
-        ids.insert(mask.id);
-    std::erase_if(m_windows, [&](const auto& entry) { return !ids.contains(entry.first); });
+void OverlayManager::closeWindowsLeftOut(const QList<ScreenMask>& masks) {
+    ++m_syncNumber;
+    for (const ScreenMask& mask : masks) {
+        const auto entry = m_windows.find(mask.id);
+        if (entry != m_windows.end()) entry->second.lastSync = m_syncNumber;
+    }
+    std::erase_if(m_windows,
+                  [this](const auto& entry) { return entry.second.lastSync != m_syncNumber; });
 }
 
 void OverlayManager::syncWindow(const ScreenMask& mask, bool isShown, bool isEditingEnabled,

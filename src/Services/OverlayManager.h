@@ -11,6 +11,7 @@
 #include <QList>
 #include <QUuid>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -60,10 +61,12 @@ private:
         std::unique_ptr<OverlayWindow> window;
         /// The frame that the model holds, as far as is known here.
         MaskFrame modelFrame;
+        /// The number of the last sync that had the mask.
+        std::uint64_t lastSync = 0;
     };
 
     OverlayWindow& findOrCreateWindow(const ScreenMask& mask);
-    void closeWindowsExcept(const QList<ScreenMask>& masks);
+    void closeWindowsLeftOut(const QList<ScreenMask>& masks);
     void syncWindow(const ScreenMask& mask, bool isShown, bool isEditingEnabled, bool isSelected,
                     const QList<Rect>& frames);
     void recoverWindowsForCurrentScreens();
@@ -74,6 +77,7 @@ private:
     FrameChanged m_onMaskFrameChanged;
     MaskSelected m_onMaskSelected;
     bool m_isSyncing = false;
+    std::uint64_t m_syncNumber = 0;
     std::unordered_map<QUuid, Entry, UuidHash> m_windows;
     Lifetime m_lifetime;
     Subscription m_screenObserver;

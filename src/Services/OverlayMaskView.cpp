@@ -190,6 +190,12 @@ bool OverlayMaskView::paintsLike(const OverlayMaskView& other) const {
            isEditingEnabled == other.isEditingEnabled;
 }
 
+bool OverlayMaskView::isDescribedLike(const OverlayMaskView& other) const {
+    return mask.id == other.mask.id && mask.name == other.mask.name &&
+           mask.style == other.mask.style && mask.opacity == other.mask.opacity &&
+           isSelected == other.isSelected && isEditingEnabled == other.isEditingEnabled;
+}
+
 AccessibleDescription OverlayMaskView::accessibleDescription() const {
     const QString label = QStringLiteral("Overlay mask, ") + mask.name + QStringLiteral(", ") +
                           ScreenMask::displayName(mask.style) + QStringLiteral(" style, ") +

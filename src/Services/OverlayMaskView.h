@@ -20,6 +20,9 @@ struct OverlayMaskView {
     /// the identity are not painted.
     bool paintsLike(const OverlayMaskView& other) const;
 
+    /// Whether the other view has the same accessible description.
+    bool isDescribedLike(const OverlayMaskView& other) const;
+
     AccessibleDescription accessibleDescription() const;
 
     /// Paints the mask into `size` points, origin top-left, on a transparent ground.

@@ -69,8 +69,7 @@ void OverlayWindow::setFrame(const Rect& frame) {
 void OverlayWindow::setContentView(const OverlayMaskView& view) {
     if (m_contentView == view) return;
     const bool needsPainting = !m_contentView || !view.paintsLike(*m_contentView);
-    const bool needsDescription =
-        !m_contentView || view.accessibleDescription() != m_contentView->accessibleDescription();
+    const bool needsDescription = !m_contentView || !view.isDescribedLike(*m_contentView);
     m_contentView = view;
     if (needsPainting) m_surface->setContent(std::make_shared<MaskContent>(view));
     if (needsDescription) m_surface->setAccessibleDescription(view.accessibleDescription());
