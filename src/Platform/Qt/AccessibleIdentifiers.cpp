@@ -1,5 +1,7 @@
 #include "Platform/Qt/AccessibleIdentifiers.h"
 
+#include "Platform/AccessibleIdentifier.h"
+
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusError>
@@ -8,9 +10,6 @@
 #include <QVariant>
 
 namespace {
-
-// Where Qt 6.9 keeps it for widgets.
-constexpr const char* identifierProperty = "accessibleIdentifier";
 
 // The names of the accessibility bus: https://gitlab.gnome.org/GNOME/at-spi2-core, folder xml.
 constexpr QLatin1StringView treePath("/org/a11y/atspi/accessible");
@@ -55,14 +54,6 @@ QVariant attributes(const QString& identifier) {
 }
 
 }  // namespace
-
-void setAccessibleIdentifier(QObject& object, const QString& identifier) {
-    object.setProperty(identifierProperty, identifier);
-}
-
-QString accessibleIdentifier(const QObject& object) {
-    return object.property(identifierProperty).toString();
-}
 
 AccessibleIdentifiers::AccessibleIdentifiers() {
     QAccessible::installActivationObserver(this);

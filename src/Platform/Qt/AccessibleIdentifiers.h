@@ -8,14 +8,6 @@
 #include <QString>
 #include <optional>
 
-/// Gives an object the name by which tools find its element in the accessibility tree. Unlike the
-/// label it is never shown or spoken, does not change with the language, and tells elements apart.
-/// An identifier may be given, replaced or emptied at any time.
-void setAccessibleIdentifier(QObject& object, const QString& identifier);
-
-/// Empty for an object that has none.
-QString accessibleIdentifier(const QObject& object);
-
 /// Puts the identifiers of objects on the accessibility bus, which Qt before 6.9 does not do: as
 /// the property `AccessibleId` and the attribute `id` of their elements. It stands in front of the
 /// object by which Qt answers on that bus, from when Qt has put it there; without the bus it does

@@ -1,6 +1,6 @@
 #include "Platform/Qt/OverlayAccessibility.h"
 
-#include "Platform/Qt/AccessibleIdentifiers.h"
+#include "Platform/AccessibleIdentifier.h"
 
 #include <QAccessible>
 #include <QAccessibleObject>
