@@ -61,40 +61,6 @@ TEST_F(Lifetime, EverySignalToEndAndQuitLeaveNothing) {
     }
 }
 
-TEST_F(Lifetime, CommandsEndWithTheirStatusAndOneLine) {
-    const auto with = [&](const QString& name, const QString& value) {
-        QProcessEnvironment changed = environment;
-        changed.insert(name, value);
-        return changed;
-    };
-    const QProcessEnvironment noDisplay = with(u"DISPLAY"_s, u":nowhere"_s);
-    const QProcessEnvironment noBus =
-        with(u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path=/nonexistent/bus"_s);
-    struct Row {
-        QStringList arguments;
-        QProcessEnvironment environment;
-        bool isRunning;
-        int status;
-    };
-    const QList<Row> rows{
-        {{u"status"_s}, environment, false, 1},     {{u"quit"_s}, noBus, false, 1},
-        {{u"--background"_s}, noDisplay, false, 1}, {{u"--wrong"_s}, environment, false, 2},
-        {{u"wrong"_s}, noDisplay, true, 2},         {{u"status"_s}, noDisplay, true, 0},
-        {{u"--background"_s}, noBus, true, 0},      {{u"status"_s}, noBus, true, 1},
-        {{u"--version"_s}, noDisplay, true, 0},
-    };
-    for (const Row& row : rows) {
-        if (row.isRunning && !process) start();
-        const Outcome result = run(row.arguments, row.environment);
-        SCOPED_TRACE(
-            (row.arguments.join(u' ') + u": "_s + QString::fromUtf8(result.error)).toStdString());
-        EXPECT_EQ(result.status, row.status);
-        EXPECT_EQ(result.error.count('\n'), row.status == 0 ? 0 : 1);
-        EXPECT_EQ(result.output.isEmpty(), row.status != 0);
-    }
-    EXPECT_TRUE(process->isRunning() && isEveryMaskShownOnce());
-}
-
 TEST_F(Lifetime, WorksWithoutASessionBus) {
     environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path=/nonexistent/bus"_s);
     start();

@@ -55,11 +55,6 @@ void VeylaSession::restart() {
 }
 
 VeylaSession::Outcome VeylaSession::run(const QStringList& arguments) {
-    return run(arguments, environment);
-}
-
-VeylaSession::Outcome VeylaSession::run(const QStringList& arguments,
-                                        const QProcessEnvironment& environment) {
     ChildProcess command(QStringLiteral(VEYLA_PROGRAM), arguments, environment);
     const auto status = command.waitForExit(defaultWait);
     if (!status) throw std::runtime_error("a veyla command does not end");

@@ -34,10 +34,8 @@ public:
     /// The same with the document as it is.
     void restart();
 
-    /// Runs `veyla` with these arguments to its end.
+    /// Runs `veyla` with these arguments. Throws std::runtime_error when it does not end.
     Outcome run(const QStringList& arguments);
-    /// Runs it on its own environment. Throws std::runtime_error when it does not end.
-    static Outcome run(const QStringList& arguments, const QProcessEnvironment& environment);
 
     QJsonObject status();
     /// Where the model has a mask, as `status` tells.
