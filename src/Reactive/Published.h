@@ -97,7 +97,7 @@ private:
         std::vector<std::shared_ptr<Subscriber>> subscribers;
     };
 
-    static Subscription subscribeTo(const std::shared_ptr<State>& state, Callback callback) {
+    static Subscription subscribeTo(const std::shared_ptr<State> state, Callback callback) {
         const auto subscriber = std::make_shared<Subscriber>();
         subscriber->callback = std::move(callback);
         subscriber->toldVersion = state->version;

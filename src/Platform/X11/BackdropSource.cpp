@@ -70,7 +70,8 @@ void BackdropSource::setActive(bool isActive) {
     const bool shouldBeActive = isActive && m_isAvailable;
     if (std::exchange(m_isActive, shouldBeActive) == shouldBeActive) return;
     if (m_isActive) {
-        m_connection.selectRootEvents(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+        m_connection.selectRootEvents(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY |
+                                      XCB_EVENT_MASK_PROPERTY_CHANGE);
         m_events =
             m_connection.onEvent([this](const xcb_generic_event_t& event) { handleEvent(event); });
         xcb_composite_redirect_subwindows(m_connection, m_connection.root(),
@@ -123,6 +124,23 @@ void BackdropSource::handleTopLevelEvent(const xcb_generic_event_t& event) {
             const auto geometry = xcbReply(xcb_get_geometry_reply, m_connection.get(),
                                            xcb_get_geometry(m_connection, map.window));
             if (geometry) tell(QRect(geometry->x, geometry->y, geometry->width, geometry->height));
+            break;
+        }
+        case XCB_REPARENT_NOTIFY: {
+            // A window that a manager put into a frame is a top-level window no more.
+            const auto& reparent = reinterpret_cast<const xcb_reparent_notify_event_t&>(event);
+            const auto watched = changed(reparent.window);
+            if (watched == m_watched.end() || reparent.parent == m_connection.root()) return;
+            xcb_damage_destroy(m_connection, watched->second.damage);
+            m_watched.erase(watched);
+            break;
+        }
+        case XCB_PROPERTY_NOTIFY: {
+            const auto& property = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+            const xcb_screen_t& screen = m_connection.screen();
+            if (property.window == m_connection.root() &&
+                property.atom == m_connection.atoms().rootPixmap)
+                tell(QRect(0, 0, screen.width_in_pixels, screen.height_in_pixels));
             break;
         }
         case XCB_UNMAP_NOTIFY:
@@ -215,25 +233,26 @@ std::optional<QImage> BackdropSource::capture(const QRect& rect, xcb_window_t wi
 
 void BackdropSource::drawRoot(xcb_render_picture_t target, const QRect& rect,
                               const std::vector<Layer>& layers) {
-    // The picture that desktops and wallpaper programs leave on the root.
+    // The picture that desktops and wallpaper programs leave on the root, which may be gone. So
+    // there is a colour below it in any case.
     const auto wallpaper =
         m_connection.property32(m_connection.root(), m_connection.atoms().rootPixmap);
-    if (!wallpaper.empty() && wallpaper.front() != XCB_NONE) {
-        const uint32_t repeat = XCB_RENDER_REPEAT_NORMAL;
-        const Picture source(m_connection, wallpaper.front(),
-                             formatOf(m_connection.screen().root_visual), XCB_RENDER_CP_REPEAT,
-                             &repeat);
-        xcb_render_composite(m_connection, XCB_RENDER_PICT_OP_SRC, source.id(), XCB_NONE, target,
-                             toInt16(rect.x()), toInt16(rect.y()), 0, 0, 0, 0,
-                             toUint16(rect.width()), toUint16(rect.height()));
-        return;
-    }
-    learnRootColor(layers);
+    const bool hasWallpaper = !wallpaper.empty() && wallpaper.front() != XCB_NONE;
+    if (!hasWallpaper) learnRootColor(layers);
     const auto channel = [](int eightBits) { return static_cast<uint16_t>(eightBits * 0x101); };
     const xcb_render_color_t color{channel(m_rootColor.red()), channel(m_rootColor.green()),
                                    channel(m_rootColor.blue()), 0xffff};
     const xcb_rectangle_t whole{0, 0, toUint16(rect.width()), toUint16(rect.height())};
     xcb_render_fill_rectangles(m_connection, XCB_RENDER_PICT_OP_SRC, target, color, 1, &whole);
+    if (!hasWallpaper) return;
+
+    const uint32_t repeat = XCB_RENDER_REPEAT_NORMAL;
+    const Picture source(m_connection, wallpaper.front(),
+                         formatOf(m_connection.screen().root_visual), XCB_RENDER_CP_REPEAT,
+                         &repeat);
+    xcb_render_composite(m_connection, XCB_RENDER_PICT_OP_SRC, source.id(), XCB_NONE, target,
+                         toInt16(rect.x()), toInt16(rect.y()), 0, 0, 0, 0, toUint16(rect.width()),
+                         toUint16(rect.height()));
 }
 
 void BackdropSource::learnRootColor(const std::vector<Layer>& layers) {

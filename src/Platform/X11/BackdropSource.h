@@ -15,7 +15,8 @@
 
 /// Pictures of what lies below a window, for displays where no compositor shows it. While it is
 /// active the server keeps every top-level window in a pixmap of its own, and tells when one
-/// changes. All rectangles are in pixels of the root.
+/// changes. A plain colour that somebody draws on the root is seen with the next other change. All
+/// rectangles are in pixels of the root.
 class BackdropSource {
 public:
     /// `connection` must outlive the source.

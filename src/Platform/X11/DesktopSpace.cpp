@@ -74,13 +74,16 @@ qsizetype DesktopSpace::screenIndexOf(const Rect& global) const {
 QRect DesktopSpace::toNative(const Rect& global) const {
     const NativeScreen& screen = m_native.at(screenIndexOf(global));
     const double factor = screen.scaleFactor;
+    // Far beyond what a server can have, and far from what an integer cannot hold.
+    const auto rounded = [&](double inScreen) {
+        constexpr double farthest = 1e6;
+        return static_cast<int>(std::lround(std::clamp(inScreen * factor, -farthest, farthest)));
+    };
     const auto horizontal = [&](double x) {
-        const double inScreen = x + m_originX - screen.frame.x();
-        return screen.frame.x() + static_cast<int>(std::lround(inScreen * factor));
+        return screen.frame.x() + rounded(x + m_originX - screen.frame.x());
     };
     const auto vertical = [&](double y) {
-        const double inScreen = m_originY - y - screen.frame.y();
-        return screen.frame.y() + static_cast<int>(std::lround(inScreen * factor));
+        return screen.frame.y() + rounded(m_originY - y - screen.frame.y());
     };
     const QPoint topLeft(horizontal(global.minX()), vertical(global.maxY()));
     const QPoint pastBottomRight(horizontal(global.maxX()), vertical(global.minY()));

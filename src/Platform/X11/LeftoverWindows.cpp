@@ -21,10 +21,12 @@ bool isRunningVeyla(uint32_t pid) {
     return name == "veyla" && state != 'Z' && state != 'X';
 }
 
-// A window of somebody else's session, possibly on another host, is not ours to release.
+// A window of somebody else's session, possibly on another host, is not ours to release. On a
+// display of this host alone it is of this host, whatever that was called then.
 bool isAlive(const XcbConnection& connection, xcb_window_t window) {
+    const bool isLocalDisplay = qEnvironmentVariable("DISPLAY").startsWith(QLatin1Char(':'));
     const QByteArray host = connection.property8(window, XCB_ATOM_WM_CLIENT_MACHINE);
-    if (host != QSysInfo::machineHostName().toUtf8()) return true;
+    if (!isLocalDisplay && host != QSysInfo::machineHostName().toUtf8()) return true;
     const auto pid = connection.property32(window, connection.atoms().netWmPid);
     return !pid.empty() && isRunningVeyla(pid.front());
 }
@@ -46,18 +48,16 @@ void killLeftoverWindows(XcbConnection& connection, SystemLog& log) {
                                            connection.atoms().veylaMaskID,
                                            XCB_GET_PROPERTY_TYPE_ANY, 0, 0));
     // One window stands for everything that its connection left behind.
-    std::set<uint32_t> releasedClients;
+    std::set<uint32_t> seenClients;
     for (std::size_t i = 0; i < count; ++i) {
         const auto property = xcbReply(xcb_get_property_reply, connection.get(), cookies[i]);
         const bool isMask = property && property->type != XCB_NONE;
         const uint32_t client = children[i] & clientBits;
-        if (!isMask || client == setup->resource_id_base || releasedClients.contains(client))
-            continue;
-        if (isAlive(connection, children[i])) {
+        if (!isMask || client == setup->resource_id_base || seenClients.contains(client)) continue;
+        seenClients.insert(client);
+        if (isAlive(connection, children[i]))
             log.write(QStringLiteral("Veyla: masks of another running Veyla are on this display"));
-            continue;
-        }
-        releasedClients.insert(client);
-        xcb_kill_client(connection, children[i]);
+        else
+            xcb_kill_client(connection, children[i]);
     }
 }

@@ -67,8 +67,8 @@ NativeOverlayWindow::NativeOverlayWindow(XcbConnection& connection, const Overla
                                          const std::optional<QUuid>& maskID)
     : m_connection(connection), m_visual(visual), m_id(xcb_generate_id(connection)), m_rect(rect) {
     const uint32_t eventMask = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
-                               XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_ENTER_WINDOW |
-                               XCB_EVENT_MASK_LEAVE_WINDOW | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+                               XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_LEAVE_WINDOW |
+                               XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     const std::array<uint32_t, 5> values{0, 0, 1, eventMask, visual.colormap()};
     xcb_create_window(connection, visual.depth(), m_id, connection.root(), toInt16(rect.x()),
                       toInt16(rect.y()), toUint16(rect.width()), toUint16(rect.height()), 0,
@@ -125,7 +125,6 @@ void NativeOverlayWindow::setPicture(QSize size, const QList<Part>& parts) {
     xcb_change_window_attributes(m_connection, m_id, XCB_CW_BACK_PIXMAP, &pixmap);
     // The window keeps the picture; only the name is given up.
     xcb_free_pixmap(m_connection, pixmap);
-    m_pictureSize = size;
     // A resize repaints the window by itself.
     if (size == m_rect.size()) xcb_clear_area(m_connection, 0, m_id, 0, 0, 0, 0);
 }
@@ -147,14 +146,14 @@ void NativeOverlayWindow::putImage(xcb_pixmap_t pixmap, const Part& part) {
     }
 }
 
-void NativeOverlayWindow::setBoundingAreas(const QList<QRect>& areas) {
-    if (areas.isEmpty()) {
+void NativeOverlayWindow::setBoundingAreas(const std::optional<QList<QRect>>& areas) {
+    if (!areas) {
         xcb_shape_mask(m_connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, m_id, 0, 0, XCB_NONE);
         return;
     }
     std::vector<xcb_rectangle_t> rectangles;
-    rectangles.reserve(static_cast<std::size_t>(areas.size()));
-    for (const QRect& area : areas)
+    rectangles.reserve(static_cast<std::size_t>(areas->size()));
+    for (const QRect& area : *areas)
         rectangles.push_back({toInt16(area.x()), toInt16(area.y()), toUint16(area.width()),
                               toUint16(area.height())});
     xcb_shape_rectangles(m_connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,

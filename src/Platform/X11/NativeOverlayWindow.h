@@ -57,8 +57,8 @@ public:
         QImage image;
     };
     void setPicture(QSize size, const QList<Part>& parts);
-    /// Takes the window away outside these rectangles; an empty list restores it whole.
-    void setBoundingAreas(const QList<QRect>& areas);
+    /// Takes the window away outside these rectangles; no list restores it whole.
+    void setBoundingAreas(const std::optional<QList<QRect>>& areas);
     /// Lets the mouse through to what lies below.
     void setInputPassThrough(bool isPassThrough);
     void setCursor(xcb_cursor_t cursor);
@@ -82,7 +82,6 @@ private:
     const OverlayVisual& m_visual;
     xcb_window_t m_id;
     QRect m_rect;
-    QSize m_pictureSize;
     bool m_isMapped = false;
     uint32_t m_lastSequence = 0;
 };

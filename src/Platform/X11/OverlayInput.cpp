@@ -40,8 +40,8 @@ void OverlayInput::flushMotion() {
     const auto motion = *std::exchange(m_heldMotion, std::nullopt);
     const SurfaceBatch batch(m_surfaces);
     // The release went elsewhere: the window was unmapped by force, and with it went the pointer.
-    const bool isReleaseLost = m_pressed && !(motion.state & XCB_BUTTON_MASK_1);
-    if (isReleaseLost) endGestureOf(*m_pressed);
+    const bool isButtonDown = (motion.state & XCB_BUTTON_MASK_1) != 0;
+    if (!isButtonDown) endGesture();
     if (m_pressed) {
         const DesktopSpace& space = m_surfaces.m_services.screens.space();
         m_pressed->delegate()->mouseDragged(space.toGlobal(QPoint(motion.root_x, motion.root_y)));
@@ -64,7 +64,7 @@ void OverlayInput::press(const xcb_button_press_event_t& event) {
 
 void OverlayInput::release(const xcb_button_release_event_t& event) {
     flushMotion();
-    if (event.detail == leftButton && m_pressed) endGestureOf(*m_pressed);
+    if (event.detail == leftButton) endGesture();
 }
 
 void OverlayInput::leave(const xcb_leave_notify_event_t& event) {
@@ -76,7 +76,11 @@ void OverlayInput::leave(const xcb_leave_notify_event_t& event) {
 }
 
 void OverlayInput::endGestureOf(const X11OverlaySurface& surface) {
-    if (m_pressed != &surface) return;
+    if (m_pressed == &surface) endGesture();
+}
+
+void OverlayInput::endGesture() {
+    if (!m_pressed) return;
     m_heldMotion.reset();
     const SurfaceBatch batch(m_surfaces);
     SurfaceDelegate* const delegate = std::exchange(m_pressed, nullptr)->delegate();

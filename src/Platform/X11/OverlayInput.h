@@ -17,6 +17,8 @@ public:
     void handleEvent(const xcb_generic_event_t& event);
     /// Tells the movement that is still held back, at the end of a burst.
     void flushMotion();
+    /// Ends the running gesture, if there is one.
+    void endGesture();
     /// Ends the gesture of a surface that can have no further events.
     void endGestureOf(const X11OverlaySurface& surface);
     void forget(const X11OverlaySurface& surface);

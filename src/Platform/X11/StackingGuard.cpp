@@ -70,6 +70,7 @@ void StackingGuard::handleEvent(const xcb_generic_event_t& event) {
             break;
         case XCB_CIRCULATE_NOTIFY:
         case XCB_REPARENT_NOTIFY:
+            m_siblings.clear();
             m_needsAudit = true;
             break;
         default:
@@ -79,7 +80,11 @@ void StackingGuard::handleEvent(const xcb_generic_event_t& event) {
 
 bool StackingGuard::canChangeOrder(const xcb_configure_notify_event_t& event) {
     if (event.event != m_connection.root()) return false;
-    if (!m_connection.owns(event.window)) return true;
+    if (!m_connection.owns(event.window)) {
+        // What moved may have come to lie between two masks, of which they are not told.
+        m_siblings.clear();
+        return true;
+    }
     // A mask that is dragged stays where it is in the order, which matters only when it may come
     // to lie under something; one that another program lowers or raises does not.
     const auto [known, isNew] = m_siblings.try_emplace(event.window, event.above_sibling);
@@ -166,8 +171,13 @@ bool StackingGuard::isCovered(const std::vector<xcb_window_t>& shown) const {
     }
     const auto covering =
         std::find_if(intruders.begin(), intruders.end(), [&](const auto& intruder) {
-            return std::any_of(maskRects.begin(), maskRects.end(),
-                               [&](const QRect& mask) { return mask.intersects(intruder.second); });
+            const bool isOverMask =
+                std::any_of(maskRects.begin(), maskRects.end(),
+                            [&](const QRect& mask) { return mask.intersects(intruder.second); });
+            // A mask hides as well as ours, and its owner would insist as well.
+            return isOverMask &&
+                   m_connection.property8(intruder.first, m_connection.atoms().veylaMaskID)
+                       .isEmpty();
         });
     if (covering == intruders.end()) return false;
     m_lastIntruder = covering->first;

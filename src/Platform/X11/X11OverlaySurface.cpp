@@ -99,12 +99,13 @@ void X11OverlaySurface::paint(const QRect& rect) {
     const QSize size = rect.size();
     const Size points{size.width() / m_scaleFactor, size.height() / m_scaleFactor};
     QList<NativeOverlayWindow::Part> parts;
-    QList<QRect> bounds;
+    std::optional<QList<QRect>> bounds;
     if (const auto paintedPixels = m_content->paintedPixels(points, m_scaleFactor)) {
+        bounds.emplace();
         for (const QRect& area : *paintedPixels) {
             const QRect pixels = area.intersected(QRect(QPoint(0, 0), size));
             if (pixels.isEmpty()) continue;
-            bounds.append(pixels);
+            bounds->append(pixels);
             parts.append({pixels.topLeft(), paintPart(pixels, points, std::nullopt)});
         }
     } else {
@@ -112,8 +113,7 @@ void X11OverlaySurface::paint(const QRect& rect) {
                                               m_owner.backdropOf(*this, rect))});
     }
     m_window->setPicture(size, parts);
-    const bool hasBounds = !bounds.isEmpty();
-    if (std::exchange(m_hasBoundingAreas, hasBounds) || hasBounds)
+    if (std::exchange(m_hasBoundingAreas, bounds.has_value()) || bounds)
         m_window->setBoundingAreas(bounds);
     m_needsPainting = false;
 }

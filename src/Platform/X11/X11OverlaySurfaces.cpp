@@ -63,7 +63,7 @@ void X11OverlaySurfaces::forget(X11OverlaySurface& surface) {
     std::erase(m_surfaces, &surface);
     std::erase(m_stack, surface.window().id());
     if (m_services.accessibility) m_services.accessibility->forget(surface);
-    // The window itself goes when the surface's destructor is done, before the next commit.
+    // The window itself goes at the end of the surface's destructor.
     noteOrder();
 }
 
@@ -210,11 +210,11 @@ void X11OverlaySurfaces::followScreens() {
 
 void X11OverlaySurfaces::remakeWindows() {
     const SurfaceBatch batch(*this);
+    // First, because it takes the guides, which are surfaces too, away.
+    m_input.endGesture();
     std::vector<std::unique_ptr<NativeOverlayWindow>> oldWindows;
-    for (X11OverlaySurface* surface : m_surfaces) {
-        m_input.endGestureOf(*surface);
+    for (X11OverlaySurface* surface : m_surfaces)
         oldWindows.push_back(surface->replaceWindow(makeWindow(surface->description())));
-    }
     m_needsApply = true;
     m_needsOrder = true;
     // The new windows are mapped before the old ones go, so that nothing shows in between.

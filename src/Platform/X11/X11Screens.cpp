@@ -111,7 +111,8 @@ void X11Screens::handleEvent(const xcb_generic_event_t& event) {
         const bool isRoot = property.window == m_connection.root();
         m_needsRefresh |=
             isRoot && (property.atom == atoms.netClientList || property.atom == atoms.netWorkarea ||
-                       property.atom == atoms.netCurrentDesktop);
+                       property.atom == atoms.netCurrentDesktop ||
+                       property.atom == atoms.netSupportingWmCheck);
         m_needsRefresh |= !isRoot && (property.atom == atoms.netWmStrut ||
                                       property.atom == atoms.netWmStrutPartial);
     }
