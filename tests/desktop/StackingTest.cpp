@@ -157,6 +157,23 @@ TEST_F(Stacking, OutlastsAWindowThatRaisesItselfForEver) {
     EXPECT_TRUE(log.contains("\"Hostile\"")) << log.constData();
 }
 
+TEST_F(Stacking, ACompositorThatStartsDuringADragEndsTheDragOnly) {
+    const QUuid mask = addMask({100, 500, 200, 100});
+    start();
+    const QPoint from = middleOf(mask);
+    input.movePointer(from);
+    input.press();
+    // With the guides of a snap on screen.
+    input.movePointer(from - QPoint(95, 0));
+    EXPECT_TRUE(comesTo(mask, {0, 200, 200, 100}));
+    desktop.startCompositor();
+    input.release();
+    EXPECT_TRUE(waitUntil([&] { return isEveryMaskShownOnce() && isPainted(mask); }));
+    const QPoint again = middleOf(mask);
+    input.drag(again, again + QPoint(300, 0));
+    EXPECT_TRUE(comesTo(mask, {300, 200, 200, 100}));
+}
+
 TEST_F(Stacking, SurvivesANewManagerAndCompositorsThatComeAndGo) {
     const xcb_window_t backdrop = openBackdrop();
     const QUuid mask = addMask({100, 500, 200, 100});
