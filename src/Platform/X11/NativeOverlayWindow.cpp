@@ -66,9 +66,9 @@ NativeOverlayWindow::NativeOverlayWindow(XcbConnection& connection, const Overla
                                          const QRect& rect, const QString& title,
                                          const std::optional<QUuid>& maskID)
     : m_connection(connection), m_visual(visual), m_id(xcb_generate_id(connection)), m_rect(rect) {
+    // What happens to the window itself is told through the root, as for every other one.
     const uint32_t eventMask = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
-                               XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_LEAVE_WINDOW |
-                               XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+                               XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_LEAVE_WINDOW;
     const std::array<uint32_t, 5> values{0, 0, 1, eventMask, visual.colormap()};
     xcb_create_window(connection, visual.depth(), m_id, connection.root(), toInt16(rect.x()),
                       toInt16(rect.y()), toUint16(rect.width()), toUint16(rect.height()), 0,

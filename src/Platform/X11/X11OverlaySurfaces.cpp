@@ -89,11 +89,11 @@ void X11OverlaySurfaces::commitUnlessBatched() {
 }
 
 void X11OverlaySurfaces::commit() {
-    if (std::exchange(m_needsApply, false)) {
+    const bool isChanged = std::exchange(m_needsApply, false);
+    if (isChanged) {
         const DesktopSpace& space = m_services.screens.space();
         for (X11OverlaySurface* surface : m_surfaces)
             surface->apply(space);
-        tellPlaces();
     }
     if (std::exchange(m_needsOrder, false)) {
         applyOrder();
@@ -101,7 +101,9 @@ void X11OverlaySurfaces::commit() {
         updateBackdrops();
     }
     m_layers.reset();
+    // What can be seen comes first.
     m_connection.flush();
+    if (isChanged) tellPlaces();
 }
 
 void X11OverlaySurfaces::tellPlaces() {
@@ -183,7 +185,7 @@ void X11OverlaySurfaces::handleEvent(const xcb_generic_event_t& event) {
 
 void X11OverlaySurfaces::handleForeignConfigure(const xcb_generic_event_t& event) {
     const auto& configure = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
-    if (configure.event != configure.window) return;
+    if (configure.event != m_connection.root()) return;
     auto* const surface = surfaceOf(configure.window);
     const QRect rect(configure.x, configure.y, configure.width, configure.height);
     if (!surface || surface->window().rect() == rect || !surface->window().isUpToDate(event))
