@@ -5,7 +5,9 @@ target_compile_options(veyla_settings INTERFACE
   -Wall -Wextra -Wshadow -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual -Wconversion)
 target_compile_definitions(veyla_settings INTERFACE
   QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH
-  VEYLA_VERSION="${PROJECT_VERSION}")
+  VEYLA_VERSION="${PROJECT_VERSION}"
+  VEYLA_WEB_HOST="${VEYLA_WEB_HOST}"
+  VEYLA_UPDATE_FEED="${VEYLA_UPDATE_FEED}")
 
 if(VEYLA_WARNINGS_AS_ERRORS)
   target_compile_options(veyla_settings INTERFACE -Werror)

@@ -4,6 +4,8 @@
 #include <QStringList>
 #include <optional>
 
+class JsonObjectReader;
+
 /// The notes of one release, as the release-notes endpoint writes them.
 struct ChangelogRelease {
     QString version;
@@ -11,6 +13,9 @@ struct ChangelogRelease {
     QString dateLabel;
     std::optional<QString> tag;
     QStringList changes;
+
+    /// Throws JsonError when a member other than `tag` is missing, or one has another type.
+    static ChangelogRelease fromJson(const JsonObjectReader& reader);
 
     bool operator==(const ChangelogRelease&) const = default;
 };

@@ -154,6 +154,20 @@ QUuid JsonObjectReader::toUuid(QLatin1StringView key, const QJsonValue& value) c
     return QUuid::fromString(text);
 }
 
+QStringList JsonObjectReader::strings(QLatin1StringView key) const {
+    const QJsonArray array = toArray(key, m_object.value(key));
+    const JsonPath listPath(m_path, key);
+    QStringList texts;
+    texts.reserve(array.size());
+    for (qsizetype index = 0; index < array.size(); ++index) {
+        const JsonPath path(listPath, index);
+        const QJsonValue value = array.at(index);
+        if (!value.isString()) throw JsonError(path, typeMismatch(value, QJsonValue::String));
+        texts.append(value.toString());
+    }
+    return texts;
+}
+
 QJsonArray JsonObjectReader::toArray(QLatin1StringView key, const QJsonValue& value) const {
     requireType(key, value, QJsonValue::Array);
     return value.toArray();

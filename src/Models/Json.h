@@ -8,6 +8,7 @@
 #include <QList>
 #include <QMap>
 #include <QString>
+#include <QStringList>
 #include <QUuid>
 #include <cstddef>
 #include <initializer_list>
@@ -92,6 +93,8 @@ public:
         return read(JsonObjectReader(m_object.value(key), path));
     }
 
+    /// An array of strings.
+    QStringList strings(QLatin1StringView key) const;
     /// An array of objects.
     template <typename Record>
     QList<Record> list(QLatin1StringView key) const {

@@ -1,0 +1,43 @@
+#include "Platform/Headless/HeadlessHotKeyCenter.h"
+
+class HeadlessHotKeyCenter::Registration final : public HotKeyRegistration {
+public:
+    Registration(std::shared_ptr<State> state, Combination combination)
+        : m_state(std::move(state)), m_combination(std::move(combination)) {}
+    Registration(const Registration&) = delete;
+    Registration& operator=(const Registration&) = delete;
+    ~Registration() override { m_state->registered.erase(m_combination); }
+
+private:
+    std::shared_ptr<State> m_state;
+    Combination m_combination;
+};
+
+Subscription HeadlessHotKeyCenter::installEventHandler(Handler handler) {
+    m_state->handler = std::move(handler);
+    return Subscription([state = m_state] { state->handler = nullptr; });
+}
+
+std::unique_ptr<HotKeyRegistration> HeadlessHotKeyCenter::registerHotKey(
+    quint32 keyCode, quint32 modifiers, const HotKeyIdentifier& identifier) {
+    const Combination combination{keyCode, modifiers};
+    if (m_state->occupied.contains(combination)) return nullptr;
+    if (!m_state->registered.emplace(combination, identifier).second) return nullptr;
+    return std::make_unique<Registration>(m_state, combination);
+}
+
+Subscription HeadlessHotKeyCenter::suspendHotKeys() {
+    ++m_state->suspensions;
+    return Subscription([state = m_state] { --state->suspensions; });
+}
+
+bool HeadlessHotKeyCenter::press(const Combination& combination) {
+    const auto found = m_state->registered.find(combination);
+    if (found == m_state->registered.end() || isSuspended()) return false;
+    deliver({found->second});
+    return true;
+}
+
+void HeadlessHotKeyCenter::deliver(const HotKeyEvent& event) {
+    if (const Handler handler = m_state->handler) handler(event);
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "Platform/HotKeyCenter.h"
+
+#include <map>
+#include <memory>
+#include <set>
+#include <utility>
+
+/// A table of hot keys. Its owner presses the keys, and says which combinations others hold.
+class HeadlessHotKeyCenter final : public HotKeyCenter {
+public:
+    /// Key code, then modifier mask.
+    using Combination = std::pair<quint32, quint32>;
+
+    Subscription installEventHandler(Handler handler) override;
+    std::unique_ptr<HotKeyRegistration> registerHotKey(quint32 keyCode, quint32 modifiers,
+                                                       const HotKeyIdentifier& identifier) override;
+    Subscription suspendHotKeys() override;
+
+    /// From now on another program holds the combination.
+    void occupy(const Combination& combination) { m_state->occupied.insert(combination); }
+    /// A key goes down; false when the combination is not registered, or is suspended.
+    bool press(const Combination& combination);
+    /// Delivers an event as it is.
+    void deliver(const HotKeyEvent& event);
+    const std::map<Combination, HotKeyIdentifier>& registered() const {
+        return m_state->registered;
+    }
+    int handlerCount() const { return m_state->handler ? 1 : 0; }
+    bool isSuspended() const { return m_state->suspensions > 0; }
+
+private:
+    struct State {
+        Handler handler;
+        std::map<Combination, HotKeyIdentifier> registered;
+        std::set<Combination> occupied;
+        int suspensions = 0;
+    };
+    class Registration;
+
+    std::shared_ptr<State> m_state = std::make_shared<State>();  // lets handles outlive the center
+};
