@@ -1,6 +1,7 @@
 #include "VeylaApp.h"
 
 #include "App/WorkspaceLocation.h"
+#include "ContentView.h"
 #include "Platform/Headless/HeadlessHotKeyCenter.h"
 #include "Platform/Headless/HeadlessUpdateFramework.h"
 #include "Platform/Headless/HeadlessUrlLoader.h"
@@ -13,11 +14,11 @@
 #include "Platform/Qt/SessionBus.h"
 #include "Platform/Qt/StderrLog.h"
 #include "Platform/X11/X11Desktop.h"
+#include "Views/Components/AccessibleElement.h"
+#include "Views/Design/ApplicationLook.h"
 
 #include <QApplication>
-#include <cstdio>
 #include <memory>
-#include <unistd.h>
 
 namespace {
 
@@ -39,15 +40,6 @@ bool hasDisplay(int argc, char** argv, QString* error) {
     return XcbConnection::open(error) != nullptr;
 }
 
-// While there is no dashboard, nothing on an empty screen would tell that Veyla runs.
-void greetTerminal() {
-    if (isatty(STDOUT_FILENO) == 0) return;
-    std::puts(
-        "Veyla is running. \"veyla create-mask\" makes a mask at the pointer, \"veyla --help\" "
-        "tells the rest.");
-    std::fflush(stdout);
-}
-
 CommandResult noDisplay(const QString& reason) {
     return {ExitStatus::nothingToActOn, QString(),
             QStringLiteral("Veyla finds no display to show masks on: ") + reason};
@@ -55,25 +47,46 @@ CommandResult noDisplay(const QString& reason) {
 
 }  // namespace
 
-VeylaApp::VeylaApp(const AppPlatform& platform, RemoteControlService& remoteControl)
+VeylaApp::VeylaApp(const AppPlatform& platform, RemoteControlService& remoteControl, Start start)
     : m_mainLoop(platform.mainLoop),
       m_state(platform),
+      m_menuCommands(m_state, nullptr),
       m_commands(m_state, [this] { m_mainLoop.quit(0); }),
       m_signalWatcher([this] { m_mainLoop.quit(0); }) {
     remoteControl.start(
         [this](const QStringList& arguments) { return m_commands.perform(arguments); });
+    m_state.setOpenWindowAction([this](QLatin1StringView) { dashboardWindow().show(); });
+    if (start == Start::inBackground) {
+        m_state.startedWithoutDashboard();
+        return;
+    }
+    // Decided before the window is shown, so that one that is not wanted does not flash.
+    dashboardWindow();
+    m_state.handleDashboardWindowAppearance();
+}
+
+VeylaApp::~VeylaApp() = default;
+
+ContentView& VeylaApp::dashboardWindow() {
+    if (!m_dashboardWindow) {
+        m_dashboardWindow = std::make_unique<ContentView>(m_state, m_mainLoop, m_menuCommands,
+                                                          [this] { m_mainLoop.quit(0); });
+    }
+    return *m_dashboardWindow;
 }
 
 int VeylaApp::run() {
     return m_mainLoop.run();
 }
 
-CommandResult runVeyla(InstanceLock& lock, int argc, char** argv) {
+CommandResult runVeyla(InstanceLock& lock, VeylaApp::Start start, int argc, char** argv) {
     QString error;
     if (!hasDisplay(argc, argv, &error)) return noDisplay(error);
 
     prepareToolkit();
-    const QApplication application(argc, argv);
+    QApplication application(argc, argv);
+    applyVeylaLook(application);
+    installAccessibleElements();
     StderrLog log;
     QtMainLoop mainLoop;
     RemoteControlService remoteControl(log);
@@ -92,13 +105,12 @@ CommandResult runVeyla(InstanceLock& lock, int argc, char** argv) {
         VeylaApp app({mainLoop, desktop->screens(), desktop->overlaySurfaces(), announcer, log,
                       applicationHost, hotKeyCenter, workspace, urlLoader, updateFramework,
                       workspaceDirectory()},
-                     remoteControl);
+                     remoteControl, start);
         desktop->overlaySurfaces().releaseLeftovers();
         const Subscription connectionLost = desktop->connection().onConnectionLost([&] {
             log.write(QStringLiteral("Veyla has lost the X server, and its masks with it"));
             mainLoop.quit(static_cast<int>(ExitStatus::nothingToActOn));
         });
-        greetTerminal();
         status = app.run();
     }
     lock.release();

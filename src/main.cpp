@@ -79,5 +79,7 @@ int main(int argc, char** argv) {
         return finish(*result);
     silence.reset();
 
-    return finish(runVeyla(lock, argc, argv));
+    const auto start = command == Command::startInBackground ? VeylaApp::Start::inBackground
+                                                             : VeylaApp::Start::withDashboard;
+    return finish(runVeyla(lock, start, argc, argv));
 }

@@ -87,6 +87,10 @@ bool AppState::isDashboardWindowVisible() const {
     return window && window->isVisible();
 }
 
+void AppState::startedWithoutDashboard() {
+    if (isMenuBarOnly()) m_hasHandledInitialDashboardWindow = true;
+}
+
 void AppState::handleDashboardWindowAppearance() {
     if (std::exchange(m_hasHandledInitialDashboardWindow, true)) return;
     applyActivationPolicy();

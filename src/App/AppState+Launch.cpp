@@ -53,6 +53,20 @@ void AppState::startOnboardingIfNeeded() {
     isOnboardingPresented.set(true);
 }
 
+void AppState::replayOnboarding() {
+    hasCompletedOnboarding.set(false);
+    startOnboardingIfNeeded();
+}
+
+void AppState::showNextOnboardingStep() {
+    if (!isOnboardingPresented.newest()) return;
+    const int next = onboardingStepIndex.newest() + 1;
+    if (next < onboardingSteps().size())
+        onboardingStepIndex.set(next);
+    else
+        finishOnboarding();
+}
+
 void AppState::finishOnboarding() {
     isOnboardingPresented.set(false);
     onboardingStepIndex.set(0);

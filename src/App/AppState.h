@@ -4,6 +4,7 @@
 #include "Models/ChangelogRelease.h"
 #include "Models/MaskGroup.h"
 #include "Models/MaskPreset.h"
+#include "Models/OnboardingStep.h"
 #include "Models/ScreenMask.h"
 #include "Platform/Announcer.h"
 #include "Platform/ApplicationHost.h"
@@ -195,6 +196,9 @@ public:
     void toggleDashboardWindow();
     void hideDashboardWindow();
     bool canOpenDashboardWindow() const;
+    /// The program was started without its window: its first appearance is then the user's wish,
+    /// which decides nothing more where the program stays in the tray.
+    void startedWithoutDashboard();
     bool isDashboardWindowVisible() const;
 
     // Release notes and the walkthrough.
@@ -205,6 +209,11 @@ public:
     /// Starts the walkthrough with a mask to point at, unless it was completed or something else
     /// is presented.
     void startOnboardingIfNeeded();
+    /// Starts the walkthrough although it was completed before.
+    void replayOnboarding();
+    /// Goes on to the next step; after the last one the walkthrough is finished.
+    void showNextOnboardingStep();
+    const QList<OnboardingStep>& onboardingSteps() const { return OnboardingStep::all(); }
     /// The walkthrough was finished or left; it does not start by itself again.
     void finishOnboarding();
 

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "App/AppState.h"
+
+#include <QKeySequence>
+#include <QList>
+#include <QString>
+#include <functional>
+#include <vector>
+
+/// One item of the "Veyla" menu; one without an action is a separator.
+struct MenuCommand {
+    QString title;
+    /// The first is the one that the menu shows.
+    QList<QKeySequence> shortcuts;
+    bool isEnabled = true;
+    std::function<void()> perform;
+
+    bool isSeparator() const { return !perform; }
+};
+
+/// The commands of the "Veyla" menu, in the order of the menu.
+class VeylaCommands {
+public:
+    /// `openSettings` may be empty where there are no settings to open. The state must outlive
+    /// the object.
+    VeylaCommands(AppState& state, std::function<void()> openSettings);
+
+    /// The items as they are now. Titles and enabled states follow the fields that
+    /// `AppState` publishes; the number of items and their places never change.
+    std::vector<MenuCommand> items() const;
+
+private:
+    AppState& m_state;
+    std::function<void()> m_openSettings;
+};

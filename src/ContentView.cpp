@@ -1,0 +1,61 @@
+#include "ContentView.h"
+
+#include "Views/DashboardView.h"
+#include "Views/Design/VeylaTheme.h"
+
+#include <QAction>
+#include <QMenuBar>
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr QSize defaultSize{1180, 760};
+constexpr QSize smallestSize{760, 520};
+
+}  // namespace
+
+ContentView::ContentView(AppState& state, Scheduler& scheduler, const VeylaCommands& commands,
+                         std::function<void()> quit)
+    : m_state(state), m_commands(commands), m_menuUpdate(scheduler, [this] { updateMenu(); }) {
+    setWindowTitle(u"Veyla"_s);
+    setMinimumSize(smallestSize);
+    resize(defaultSize);
+    setCentralWidget(new DashboardView(state, scheduler));
+    makeMenus(std::move(quit));
+    m_menuUpdate.follow(state.masks, state.selectedMaskID, state.areMasksVisible,
+                        state.isEditingEnabled, state.updaterManager().canCheckForUpdates());
+    updateMenu();
+}
+
+void ContentView::makeMenus(std::function<void()> quit) {
+    QMenu* const file = menuBar()->addMenu(u"&File"_s);
+    file->addAction(u"&Close Window"_s, QKeySequence::Close, this, [this] { close(); });
+    file->addSeparator();
+    // Some desktops have no standard combination for it.
+    file->addAction(u"&Quit Veyla"_s, QKeySequence(Qt::CTRL | Qt::Key_Q), this, std::move(quit));
+
+    QMenu* const menu = menuBar()->addMenu(u"&Veyla"_s);
+    for (const MenuCommand& item : m_commands.items()) {
+        QAction* const action = item.isSeparator() ? menu->addSeparator() : menu->addAction(QString());
+        m_actions.push_back(action);
+        if (item.isSeparator()) continue;
+        action->setShortcuts(item.shortcuts);
+        connect(action, &QAction::triggered, this, item.perform);
+    }
+}
+
+void ContentView::updateMenu() {
+    const auto items = m_commands.items();
+    for (std::size_t index = 0; index < items.size(); ++index) {
+        if (items[index].isSeparator()) continue;
+        m_actions[index]->setText(items[index].title);
+        m_actions[index]->setEnabled(items[index].isEnabled);
+    }
+}
+
+void ContentView::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    m_state.handleDashboardWindowAppearance();
+}

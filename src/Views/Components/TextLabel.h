@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Views/Design/Typography.h"
+
+#include <QColor>
+#include <QLabel>
+
+/// Text as it is, never read as markup. One line is cut off with an ellipsis where there is no
+/// room, and then shows all of itself as its tooltip; a paragraph wraps.
+class TextLabel final : public QLabel {
+public:
+    enum class Lines { one, paragraph };
+
+    TextLabel(const QString& text, const TextStyle& style, const QColor& color,
+              Lines lines = Lines::one);
+
+    /// Shows another text; costs nothing when it is the same.
+    void showText(const QString& text);
+    void setColor(const QColor& color);
+    const QString& fullText() const { return m_text; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void updateToolTip();
+
+    QString m_text;
+    QColor m_color;
+    Lines m_lines;
+};

@@ -1,0 +1,270 @@
+#include "Views/Dashboard/LayerList.h"
+
+#include "Views/Dashboard/MaskGroupRowView.h"
+#include "Views/Dashboard/MaskRowView.h"
+#include "Views/Design/Typography.h"
+#include "Views/Design/VeylaCard.h"
+#include "Views/Design/VeylaTheme.h"
+
+#include <QHash>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPainter>
+#include <QScrollBar>
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr int gapBetweenRows = 6;
+constexpr int groupPadding = 6;
+constexpr double groundCornerRadius = 10;
+/// Rows are made this far beyond the view, so that scrolling finds them there.
+constexpr int overscan = 120;
+
+}  // namespace
+
+/// What is scrolled: the rows, and the grounds of the groups behind them.
+class LayerList::Content final : public QWidget {
+public:
+    explicit Content(LayerList& list) : m_list(list) {}
+
+protected:
+    void paintEvent(QPaintEvent* event) override {
+        QPainter painter(this);
+        for (const GroupGround& ground : m_list.m_grounds) {
+            const QRect rect(0, ground.top, width(), ground.bottom - ground.top);
+            if (rect.intersects(event->rect()))
+                paintPanel(painter, rect, groundCornerRadius, VeylaTheme::panelMuted(),
+                           VeylaTheme::softBorder());
+        }
+    }
+
+private:
+    LayerList& m_list;
+};
+
+LayerList::LayerList(AppState& state, Scheduler& scheduler)
+    : m_state(state), m_content(new Content(*this)), m_turnUpdate(scheduler, [this] { update(); }) {
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setFocusPolicy(Qt::NoFocus);
+    setAccessibleName(u"Layers"_s);
+    viewport()->setAutoFillBackground(false);
+    m_content->setAccessibleName(u"Layers"_s);
+    setWidget(m_content);
+    m_turnUpdate.follow(state.masks, state.groups, state.selectedMaskID);
+    update();
+}
+
+LayerList::~LayerList() = default;
+
+void LayerList::update() {
+    buildLines();
+    showRowsInView();
+    m_content->update();
+    revealSelection();
+}
+
+void LayerList::addLine(Line line, int height, int gapAbove) {
+    const int above = m_lines.empty() ? 0 : m_lines.back().top + m_lines.back().height + gapAbove;
+    line.top = above;
+    line.height = height;
+    m_lines.push_back(line);
+}
+
+void LayerList::buildLines() {
+    const auto& masks = m_state.masks.value();
+    const auto& groups = m_state.groups.value();
+    // One pass, so that many groups cost no more than few.
+    QHash<QUuid, std::vector<qsizetype>> members;
+    std::vector<qsizetype> ungrouped;
+    for (qsizetype index = 0; index < masks.size(); ++index) {
+        const auto& groupID = masks[index].groupID;
+        if (groupID)
+            members[*groupID].push_back(index);
+        else
+            ungrouped.push_back(index);
+    }
+
+    const int maskHeight = MaskRowView::rowHeight();
+    m_lines.clear();
+    m_grounds.clear();
+    for (qsizetype index = 0; index < groups.size(); ++index) {
+        const MaskGroup& group = groups[index];
+        const auto& inside = members[group.id];
+        addLine({group.id, true, group.id, index, 0, 0, static_cast<qsizetype>(inside.size())},
+                MaskGroupRowView::rowHeight(), m_grounds.empty() ? 0 : gapBetweenRows);
+        GroupGround ground{m_lines.back().top, 0};
+        bool isFirst = true;
+        if (group.isExpanded) {
+            for (const qsizetype mask : inside)
+                addLine({masks[mask].id, false, group.id, mask, 0, 0, 0}, maskHeight,
+                        std::exchange(isFirst, false) ? 0 : gapBetweenRows);
+        }
+        // Room below the last mask, which the next line must not take.
+        if (!isFirst) addLine({QUuid(), false, group.id, -1, 0, 0, 0}, groupPadding, 0);
+        ground.bottom = m_lines.back().top + m_lines.back().height;
+        m_grounds.push_back(ground);
+    }
+    for (const qsizetype mask : ungrouped)
+        addLine({masks[mask].id, false, QUuid(), mask, 0, 0, 0}, maskHeight, gapBetweenRows);
+
+    const int height = m_lines.empty() ? 0 : m_lines.back().top + m_lines.back().height;
+    m_content->resize(viewport()->width(), height);
+}
+
+QRect LayerList::rectOf(const Line& line) const {
+    const bool isInGroup = !line.isGroup && !line.groupID.isNull();
+    const int inset = isInGroup ? groupPadding : 0;
+    return {inset, line.top, m_content->width() - 2 * inset, line.height};
+}
+
+void LayerList::showRowsInView() {
+    const int top = verticalScrollBar()->value() - overscan;
+    const int bottom = verticalScrollBar()->value() + viewport()->height() + overscan;
+    std::map<QUuid, QWidget*> kept;
+    auto line = std::lower_bound(m_lines.begin(), m_lines.end(), top, [](const Line& each, int y) {
+        return each.top + each.height < y;
+    });
+    for (; line != m_lines.end() && line->top <= bottom; ++line) {
+        if (line->index < 0) continue;
+        const auto existing = m_rows.find(line->id);
+        QWidget* const row = existing != m_rows.end() ? existing->second : makeRow(*line);
+        if (existing != m_rows.end()) m_rows.erase(existing);
+        refreshRow(row, *line);
+        row->setGeometry(rectOf(*line));
+        row->QWidget::show();
+        kept.emplace(line->id, row);
+    }
+    for (const auto& [id, row] : m_rows) {
+        // A row may be the one whose event is being handled.
+        row->removeEventFilter(this);
+        row->hide();
+        row->deleteLater();
+    }
+    m_rows = std::move(kept);
+    // The keyboard walks the list from top to bottom.
+    QWidget* previous = nullptr;
+    for (const Line& each : m_lines) {
+        const auto found = m_rows.find(each.id);
+        if (each.index < 0 || found == m_rows.end()) continue;
+        if (previous) QWidget::setTabOrder(previous, found->second);
+        previous = found->second;
+    }
+}
+
+QWidget* LayerList::makeRow(const Line& line) {
+    const QUuid id = line.id;
+    AppState& state = m_state;
+    QWidget* row = nullptr;
+    if (line.isGroup) {
+        row = new MaskGroupRowView(
+            state.groups.value()[line.index], line.maskCount,
+            {[&state, id] { state.toggleGroupExpanded(id); },
+             [&state, id] { state.toggleGroupVisibility(id); },
+             [&state, id] { state.toggleGroupLock(id); }, [&state, id] { state.deleteGroup(id); },
+             [&state, id](const QString& name) { state.renameGroup(id, name); },
+             [&state, id](const QUuid& mask) { state.addMaskToGroup(mask, id); }});
+    } else {
+        row = new MaskRowView(state.masks.value()[line.index], false,
+                              {[&state, id] { state.selectMask(id); },
+                               [this, id](QPoint position) { showMaskMenu(id, position); }});
+    }
+    row->setParent(m_content);
+    row->installEventFilter(this);
+    return row;
+}
+
+void LayerList::refreshRow(QWidget* row, const Line& line) {
+    if (line.isGroup)
+        static_cast<MaskGroupRowView*>(row)->show(m_state.groups.value()[line.index],
+                                                  line.maskCount);
+    else
+        static_cast<MaskRowView*>(row)->show(m_state.masks.value()[line.index],
+                                             m_state.selectedMaskID.value() == line.id);
+}
+
+// A mask that was created or chosen elsewhere is scrolled into view, once.
+void LayerList::revealSelection() {
+    const auto& selection = m_state.selectedMaskID.value();
+    if (selection == m_revealedSelection) return;
+    m_revealedSelection = selection;
+    const auto line = std::find_if(m_lines.begin(), m_lines.end(), [&](const Line& each) {
+        return !each.isGroup && each.index >= 0 && selection == each.id;
+    });
+    if (line != m_lines.end()) ensureVisible(0, line->top + line->height / 2, 0, line->height);
+}
+
+void LayerList::showMaskMenu(const QUuid& maskID, QPoint position) {
+    const auto& masks = m_state.masks.value();
+    const auto mask = std::find_if(masks.begin(), masks.end(),
+                                   [&](const ScreenMask& each) { return each.id == maskID; });
+    const auto& groups = m_state.groups.value();
+    if (mask == masks.end() || mask->groupID || groups.isEmpty()) return;
+    auto* const menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    QMenu* const targets = menu->addMenu(u"Move to Group"_s);
+    for (const MaskGroup& group : groups) {
+        // An ampersand would underline the next letter.
+        const QString title = onOneLine(group.name).replace(u'&', u"&&"_s);
+        targets->addAction(title, this, [this, maskID, groupID = group.id] {
+            m_state.addMaskToGroup(maskID, groupID);
+        });
+    }
+    menu->popup(position);
+}
+
+bool LayerList::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress) return QScrollArea::eventFilter(watched, event);
+    const auto row = std::find_if(m_rows.begin(), m_rows.end(),
+                                  [&](const auto& each) { return each.second == watched; });
+    if (row == m_rows.end()) return false;
+    const auto count = static_cast<int>(m_lines.size());
+    switch (static_cast<QKeyEvent*>(event)->key()) {
+        case Qt::Key_Down:
+            moveFocus(row->first, 1);
+            return true;
+        case Qt::Key_Up:
+            moveFocus(row->first, -1);
+            return true;
+        case Qt::Key_Home:
+            moveFocus(row->first, -count);
+            return true;
+        case Qt::Key_End:
+            moveFocus(row->first, count);
+            return true;
+        default:
+            return false;
+    }
+}
+
+void LayerList::moveFocus(const QUuid& from, int step) {
+    const auto line = std::find_if(m_lines.begin(), m_lines.end(), [&](const Line& each) {
+        return each.id == from && each.index >= 0;
+    });
+    if (line == m_lines.end()) return;
+    const int last = static_cast<int>(m_lines.size()) - 1;
+    int target = std::clamp(static_cast<int>(line - m_lines.begin()) + step, 0, last);
+    const int direction = step > 0 ? 1 : -1;
+    while (target > 0 && target < last && m_lines[static_cast<std::size_t>(target)].index < 0)
+        target += direction;
+    const Line& chosen = m_lines[static_cast<std::size_t>(target)];
+    if (chosen.index < 0) return;
+    ensureVisible(0, chosen.top + chosen.height / 2, 0, chosen.height);
+    showRowsInView();
+    const auto row = m_rows.find(chosen.id);
+    if (row != m_rows.end()) row->second->setFocus(Qt::OtherFocusReason);
+}
+
+void LayerList::resizeEvent(QResizeEvent* event) {
+    QScrollArea::resizeEvent(event);
+    m_content->resize(viewport()->width(), m_content->height());
+    showRowsInView();
+}
+
+void LayerList::scrollContentsBy(int dx, int dy) {
+    QScrollArea::scrollContentsBy(dx, dy);
+    showRowsInView();
+}

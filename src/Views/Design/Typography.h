@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QFont>
+#include <QString>
+
+/// The fonts of the program's windows. Sizes count in points of the design, of which 13 are the
+/// desktop's default text size: a user who has chosen larger text gets all of it larger, never
+/// smaller.
+struct TextStyle {
+    double size = 12;
+    QFont::Weight weight = QFont::Normal;
+    /// Extra room after each letter, in points.
+    double tracking = 0;
+    bool isMonospaced = false;
+    /// Shown in capitals; the text itself stays as it is.
+    bool isUpperCase = false;
+};
+
+QFont systemFont(const TextStyle& style);
+
+/// How much larger than the design the text is; lengths that hold text grow with it.
+double textScale();
+
+/// The text on one line: line breaks and control characters become blanks, and what no window
+/// could show is cut off.
+QString onOneLine(const QString& text);
