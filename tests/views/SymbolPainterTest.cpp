@@ -2,7 +2,9 @@
 #include "Rendering.h"
 
 #include <QDir>
+#include <QMap>
 #include <QRegularExpression>
+#include <QSvgRenderer>
 
 namespace {
 
@@ -11,11 +13,29 @@ Symbol arrow(double size, SymbolWeight weight = SymbolWeight::regular) {
             QColor(200, 100, 50, 128)};
 }
 
+/// Every symbol that the masks, the windows and the tray show.
+const QStringList usedSymbols =
+    QStringLiteral(
+        "MenuBarIcon arrow.triangle.2.circlepath arrow.up.left.and.arrow.down.right "
+        "checkmark.circle.fill chevron.down chevron.right doc.on.doc eye eye.slash figure.walk "
+        "folder.fill gearshape line.3.horizontal.decrease lock lock.fill lock.open macwindow "
+        "pencil plus plus.circle rectangle.stack shield.slash slider.horizontal.3 sparkles "
+        "square.and.arrow.down trash wifi.slash")
+        .split(QLatin1Char(' '));
+
 int coveredAlpha(const QImage& image) {
     int sum = 0;
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x)
             sum += qAlpha(image.pixel(x, y));
+    return sum;
+}
+
+int difference(const QImage& first, const QImage& second) {
+    int sum = 0;
+    for (int y = 0; y < first.height(); ++y)
+        for (int x = 0; x < first.width(); ++x)
+            sum += std::abs(qAlpha(first.pixel(x, y)) - qAlpha(second.pixel(x, y)));
     return sum;
 }
 
@@ -94,6 +114,52 @@ TEST(IconSet, IsDrawnOnOneGridInOneStyle) {
         painter.end();
         EXPECT_GT(coveredAlpha(image), 0);
         EXPECT_EQ(coveredAlpha(middle), 0) << "drawn outside the live area";
+    }
+}
+
+// At 10 points, the smallest size that most are shown at, two drawings could blur into one.
+TEST(IconSet, HasADrawingOfItsOwnForEverySymbolInUse) {
+    QMap<QString, QImage> drawn;
+    for (const QString& name : usedSymbols) {
+        SCOPED_TRACE(name.toStdString());
+        ASSERT_TRUE(SymbolPainter::hasSymbol(name));
+        const Symbol symbol{name, 10, SymbolWeight::regular, Qt::black};
+        for (const double scale : testedScales) {
+            const QImage image = SymbolPainter::image(symbol, scale);
+            const QRect inner = image.rect().adjusted(1, 1, -1, -1);
+            EXPECT_EQ(coveredAlpha(image), coveredAlpha(image.copy(inner))) << "scale " << scale;
+            const double covered = coveredAlpha(image) / (255.0 * image.width() * image.height());
+            EXPECT_GT(covered, 0.06) << "too faint";
+            EXPECT_LT(covered, 0.6) << "a blot";
+        }
+        const QImage image = SymbolPainter::image(symbol, 1);
+        for (auto other = drawn.cbegin(); other != drawn.cend(); ++other)
+            EXPECT_GT(difference(image, *other), 12 * 255)
+                << "looks like " << other.key().toStdString();
+        drawn.insert(name, image);
+    }
+    const QStringList files = QDir(QStringLiteral(":/icons")).entryList({QStringLiteral("*.svg")});
+    EXPECT_EQ(files.size(), drawn.size()) << "a drawing that nothing uses";
+}
+
+TEST(AppIcon, IsADarkRoundedSquareWithTheMaskOnIt) {
+    QSvgRenderer renderer(QStringLiteral(":/app/app.veyla.Veyla.svg"));
+    ASSERT_TRUE(renderer.isValid());
+    for (const int side : {16, 32, 64, 256}) {
+        QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        renderer.render(&painter);
+        painter.end();
+        const auto colorAt = [&](double x, double y) {
+            return image.pixelColor(static_cast<int>(x * side), static_cast<int>(y * side));
+        };
+        EXPECT_EQ(colorAt(0, 0).alpha(), 0);
+        const QColor mask = colorAt(0.5, 0.45);
+        const QColor eye = colorAt(0.35, 0.42);
+        EXPECT_GT(mask.blue(), 200) << "at " << side;
+        EXPECT_LT(eye.blue(), 120) << "at " << side;
+        EXPECT_EQ(eye.alpha(), 255);
     }
 }
 
