@@ -58,6 +58,9 @@ DashboardView::DashboardView(AppState& state, Scheduler& scheduler)
         state.onboardingSteps(), m_anchors,
         {[&state] { state.showNextOnboardingStep(); }, [&state] { state.finishOnboarding(); }},
         this);
+    // The keyboard starts here, without a ring around any control.
+    setFocusPolicy(Qt::ClickFocus);
+    setFocus();
     m_turnUpdate.follow(state.masks, state.selectedMaskID, state.isOnboardingPresented,
                         state.onboardingStepIndex);
     update();

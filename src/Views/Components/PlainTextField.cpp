@@ -10,7 +10,8 @@ PlainTextField::PlainTextField(const QString& placeholder, const TextStyle& styl
     setPlaceholderText(placeholder);
     setFont(systemFont(style));
     setFrame(false);
-    setAutoFillBackground(false);
+    // Else the look of standard fields is drawn below.
+    setStyleSheet(QStringLiteral("QLineEdit { background: transparent; border: none; }"));
     setTextMargins(4, 2, 4, 2);
     QPalette colors = palette();
     colors.setColor(QPalette::Base, Qt::transparent);

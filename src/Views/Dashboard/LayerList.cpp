@@ -54,6 +54,7 @@ LayerList::LayerList(AppState& state, Scheduler& scheduler)
     viewport()->setAutoFillBackground(false);
     m_content->setAccessibleName(u"Layers"_s);
     setWidget(m_content);
+    m_content->setAutoFillBackground(false);
     m_turnUpdate.follow(state.masks, state.groups, state.selectedMaskID);
     update();
 }
