@@ -75,6 +75,9 @@ public:
     virtual Rect frame() const = 0;
     /// Moves and resizes the surface and tells the delegate what changed, before it returns.
     virtual void setFrame(const Rect& frame) = 0;
+    /// The same for a frame that will not be changed again in answer to it: the surface may be seen
+    /// there before the batch ends and before the delegate is told.
+    virtual void setFinalFrame(const Rect& frame) { setFrame(frame); }
     /// Shows `content` from now on.
     virtual void setContent(std::shared_ptr<const SurfaceContent> content) = 0;
     virtual void setAccessibleDescription(const AccessibleDescription& description) = 0;

@@ -14,8 +14,8 @@
 #include <xcb/render.h>
 
 /// Pictures of what lies below a window, for displays where no compositor shows it. While it is
-/// active the server keeps every top-level window in a pixmap of its own, and tells when one
-/// changes. A plain colour that somebody draws on the root is seen with the next other change. All
+/// active the server keeps every top-level window of others in a pixmap of its own, and tells when
+/// one changes. A plain colour that somebody draws on the root is seen with the next other change. All
 /// rectangles are in pixels of the root.
 class BackdropSource {
 public:
@@ -28,11 +28,16 @@ public:
     /// Called for each rectangle of the screen whose picture may have changed. Changes of windows
     /// of this connection are not told.
     std::function<void(const QRect& rect)> onChanged;
+    /// Asked for the picture that a window of this connection shows; XCB_NONE when it has none.
+    std::function<xcb_pixmap_t(xcb_window_t window)> pictureOf;
 
     /// Whether the server has the extensions that this takes.
     bool isAvailable() const { return m_isAvailable; }
     void setActive(bool isActive);
     bool isActive() const { return m_isActive; }
+    /// Lets the server draw a window of this connection straight to the screen, which is faster.
+    /// To be called for each while the source is active, best before the window is mapped.
+    void leaveOut(xcb_window_t ownWindow);
 
     /// The top-level windows that can be seen, bottom to top, as of now.
     struct Layer {

@@ -4,6 +4,7 @@
 #include "Services/ScreenPlacement.h"
 
 #include <QPainter>
+#include <thread>
 #include <utility>
 
 X11OverlaySurface::X11OverlaySurface(X11OverlaySurfaces& owner, SurfaceDescription description,
@@ -24,6 +25,30 @@ void X11OverlaySurface::setFrame(const Rect& frame) {
     if (previous == frame) return;
     noteChange();
     tellDelegate(previous);
+}
+
+void X11OverlaySurface::setFinalFrame(const Rect& frame) {
+    const Rect previous = std::exchange(m_description.frame, frame);
+    if (previous == frame) return;
+    if (previous.size() == frame.size()) moveNow();
+    noteChange();
+    tellDelegate(previous);
+}
+
+void X11OverlaySurface::moveNow() {
+    const DesktopSpace& space = m_owner.space();
+    const QRect previous = m_window->rect();
+    const QRect rect = space.toNative(m_description.frame);
+    // What has another look there must be painted first.
+    if (rect.size() != previous.size() ||
+        space.scaleFactorAt(m_description.frame) != m_scaleFactor)
+        return;
+    m_window->setRect(rect);
+    m_owner.flush();
+    // The server tends to be woken on this processor, where it would wait for what follows here.
+    std::this_thread::yield();
+    m_owner.noteBackdropChange(previous);
+    m_owner.noteBackdropChange(rect);
 }
 
 void X11OverlaySurface::noteChange() {

@@ -20,6 +20,7 @@ public:
 
     Rect frame() const override { return m_description.frame; }
     void setFrame(const Rect& frame) override;
+    void setFinalFrame(const Rect& frame) override;
     void setContent(std::shared_ptr<const SurfaceContent> content) override;
     void setAccessibleDescription(const AccessibleDescription& description) override;
     void setIgnoresMouseEvents(bool ignores) override;
@@ -43,11 +44,6 @@ public:
     void repaint() {
         if (m_isShown && m_content) paint(m_window->rect());
     }
-    /// Lets the next `apply` paint.
-    void requirePainting() {
-        m_needsPainting = true;
-        m_needsApplying = true;
-    }
     /// Takes over where the window is after the screens changed; the delegate is not told.
     void followScreens(const QList<ScreenInfo>& oldScreens, const DesktopSpace& space);
     /// Takes over where another program put the window, and tells the delegate.
@@ -57,6 +53,7 @@ public:
 
 private:
     void noteChange();
+    void moveNow();
     void paint(const QRect& rect);
     QImage paintPart(const QRect& part, Size points, const std::optional<QImage>& backdrop) const;
     void tellDelegate(const Rect& previous);

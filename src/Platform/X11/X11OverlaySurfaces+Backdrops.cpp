@@ -10,20 +10,14 @@ constexpr std::chrono::milliseconds shortestRefreshInterval{16};
 
 }  // namespace
 
-void X11OverlaySurfaces::followCompositing() {
-    const SurfaceBatch batch(*this);
-    updateBackdrops();
-    for (X11OverlaySurface* surface : m_surfaces)
-        surface->requirePainting();
-    m_needsApply = true;
-}
-
 void X11OverlaySurfaces::updateBackdrops() {
     const bool wasActive = m_backdrops.isActive();
     m_backdrops.setActive(!m_stack.empty() && !m_managers.isCompositing());
     if (wasActive || !m_backdrops.isActive()) return;
-    for (const X11OverlaySurface* surface : m_surfaces)
+    for (const X11OverlaySurface* surface : m_surfaces) {
+        m_backdrops.leaveOut(surface->window().id());
         if (surface->isShown()) noteBackdropChange(surface->window().rect());
+    }
 }
 
 std::optional<QImage> X11OverlaySurfaces::backdropOf(const X11OverlaySurface& surface,

@@ -8,7 +8,8 @@
 X11OverlaySurfaces::X11OverlaySurfaces(const Services& services)
     : m_services(services),
       m_connection(services.connection),
-      m_visual(services.connection),
+      m_alphaVisual(services.connection, OverlayVisual::Alpha::wanted),
+      m_plainVisual(services.connection, OverlayVisual::Alpha::useless),
       m_cursors(services.connection),
       m_input(*this),
       m_knownScreens(services.screens.screens()),
@@ -16,8 +17,11 @@ X11OverlaySurfaces::X11OverlaySurfaces(const Services& services)
       m_guard(services.connection, services.scheduler, services.log, *this),
       m_backdrops(services.connection) {
     m_managers.onReplaced = [this] { remakeWindows(); };
-    m_managers.onCompositingChanged = [this] { followCompositing(); };
     m_backdrops.onChanged = [this](const QRect& rect) { noteBackdropChange(rect); };
+    m_backdrops.pictureOf = [this](xcb_window_t window) -> xcb_pixmap_t {
+        const X11OverlaySurface* const surface = surfaceOf(window);
+        return surface ? surface->window().picture() : xcb_pixmap_t{XCB_NONE};
+    };
     m_subscriptions.keep(
         m_connection.onEvent([this](const xcb_generic_event_t& event) { handleEvent(event); }));
     m_subscriptions.keep(m_connection.onBurstEnd([this] { m_input.flushMotion(); }));
@@ -36,9 +40,11 @@ std::unique_ptr<OverlaySurface> X11OverlaySurfaces::createSurface(
 
 std::unique_ptr<NativeOverlayWindow> X11OverlaySurfaces::makeWindow(
     const SurfaceDescription& description) {
-    return std::make_unique<NativeOverlayWindow>(
-        m_connection, m_visual, m_services.screens.space().toNative(description.frame),
+    auto window = std::make_unique<NativeOverlayWindow>(
+        m_connection, visual(), m_services.screens.space().toNative(description.frame),
         description.title, description.maskID);
+    m_backdrops.leaveOut(window->id());
+    return window;
 }
 
 void X11OverlaySurfaces::endBatch() {
@@ -81,7 +87,7 @@ void X11OverlaySurfaces::endGestureOf(X11OverlaySurface& surface) {
 }
 
 QImage::Format X11OverlaySurfaces::imageFormat() const {
-    return m_visual.hasAlpha() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
+    return visual().hasAlpha() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
 }
 
 void X11OverlaySurfaces::commitUnlessBatched() {
@@ -205,6 +211,7 @@ void X11OverlaySurfaces::followScreens() {
 
 void X11OverlaySurfaces::remakeWindows() {
     const SurfaceBatch batch(*this);
+    updateBackdrops();
     // First, because it takes the guides, which are surfaces too, away.
     m_input.endGesture();
     std::vector<std::unique_ptr<NativeOverlayWindow>> oldWindows;

@@ -69,8 +69,13 @@ private:
     void describe(X11OverlaySurface& surface, const AccessibleDescription& description);
     void endGestureOf(X11OverlaySurface& surface);
     std::uint64_t nextRaiseNumber() { return ++m_lastRaise; }
+    const DesktopSpace& space() const { return m_services.screens.space(); }
+    void flush() { m_connection.flush(); }
     xcb_cursor_t cursor(CursorShape shape) { return m_cursors.cursor(shape); }
     QImage::Format imageFormat() const;
+    const OverlayVisual& visual() const {
+        return m_managers.isCompositing() ? m_alphaVisual : m_plainVisual;
+    }
     /// What lies below a surface, to paint it on; nothing where the server shows that itself.
     std::optional<QImage> backdropOf(const X11OverlaySurface& surface, const QRect& rect);
     /// Something changed there on the screen, and what is composed with it is out of date.
@@ -85,7 +90,6 @@ private:
     void handleForeignConfigure(const xcb_generic_event_t& event);
     void followScreens();
     void remakeWindows();
-    void followCompositing();
     void updateBackdrops();
     void refreshBackdrops();
     std::unique_ptr<NativeOverlayWindow> makeWindow(const SurfaceDescription& description);
@@ -99,7 +103,8 @@ private:
 
     Services m_services;
     XcbConnection& m_connection;
-    OverlayVisual m_visual;
+    OverlayVisual m_alphaVisual;
+    OverlayVisual m_plainVisual;
     CursorTheme m_cursors;
     OverlayInput m_input;
     std::vector<X11OverlaySurface*> m_surfaces;
