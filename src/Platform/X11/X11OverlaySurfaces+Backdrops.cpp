@@ -36,7 +36,7 @@ void X11OverlaySurfaces::noteBackdropChange(const QRect& rect) {
             return surface->isShown() && surface->window().rect().intersects(rect);
         });
     if (!isBelowSurface) return;
-    m_changedBackdrop += rect;
+    m_changedBackdrop.push_back(rect);
     if (m_pendingRefresh.isActive()) return;
     using namespace std::chrono;
     const auto due = m_lastRefresh + shortestRefreshInterval;
@@ -48,15 +48,18 @@ void X11OverlaySurfaces::noteBackdropChange(const QRect& rect) {
 void X11OverlaySurfaces::refreshBackdrops() {
     m_pendingRefresh.reset();
     m_lastRefresh = std::chrono::steady_clock::now();
-    QRegion changed = std::exchange(m_changedBackdrop, QRegion());
+    auto changed = std::exchange(m_changedBackdrop, {});
     if (!m_backdrops.isActive()) return;
     m_layers = m_backdrops.readLayers();
     // From the bottom up, because a picture changes those of the surfaces above it.
     for (X11OverlaySurface* surface : shownInOrder()) {
         const QRect& rect = surface->window().rect();
-        if (!changed.intersects(rect)) continue;
+        const bool isOutOfDate =
+            std::any_of(changed.begin(), changed.end(),
+                        [&](const QRect& each) { return each.intersects(rect); });
+        if (!isOutOfDate) continue;
         surface->repaint();
-        changed += rect;
+        changed.push_back(rect);
     }
     m_layers.reset();
     m_connection.flush();

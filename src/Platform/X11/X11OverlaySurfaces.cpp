@@ -122,10 +122,12 @@ std::vector<X11OverlaySurface*> X11OverlaySurfaces::shownInOrder() const {
     std::vector<X11OverlaySurface*> shown;
     std::copy_if(m_surfaces.begin(), m_surfaces.end(), std::back_inserter(shown),
                  [](const X11OverlaySurface* surface) { return surface->isShown(); });
-    std::sort(shown.begin(), shown.end(),
-              [](const X11OverlaySurface* a, const X11OverlaySurface* b) {
-                  return a->raiseNumber() < b->raiseNumber();
-              });
+    const auto isLower = [](const X11OverlaySurface* a, const X11OverlaySurface* b) {
+        return a->raiseNumber() < b->raiseNumber();
+    };
+    // They are made in the order that they usually keep.
+    if (!std::is_sorted(shown.begin(), shown.end(), isLower))
+        std::sort(shown.begin(), shown.end(), isLower);
     return shown;
 }
 
@@ -137,9 +139,10 @@ void X11OverlaySurfaces::applyOrder() {
         stack.push_back(surface->window().id());
 
     // What went only leaves the others where they are.
-    std::erase_if(m_stack, [&](xcb_window_t window) {
-        return std::find(stack.begin(), stack.end(), window) == stack.end();
-    });
+    if (stack != m_stack)
+        std::erase_if(m_stack, [&](xcb_window_t window) {
+            return std::find(stack.begin(), stack.end(), window) == stack.end();
+        });
     const auto firstDifference =
         std::mismatch(stack.begin(), stack.end(), m_stack.begin(), m_stack.end()).first;
     for (auto i = firstDifference - stack.begin(); i < static_cast<std::ptrdiff_t>(shown.size());

@@ -12,7 +12,6 @@
 #include "Platform/X11/X11Screens.h"
 #include "Platform/X11/XcbConnection.h"
 
-#include <QRegion>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -121,7 +120,7 @@ private:
     BackdropSource m_backdrops;
     // What lay where when this commit or refresh began.
     std::optional<std::vector<BackdropSource::Layer>> m_layers;
-    QRegion m_changedBackdrop;
+    std::vector<QRect> m_changedBackdrop;
     std::chrono::steady_clock::time_point m_lastRefresh;
     Subscription m_pendingRefresh;
     SubscriptionBag m_subscriptions;
