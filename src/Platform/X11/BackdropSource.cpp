@@ -299,9 +299,10 @@ void BackdropSource::drawLayer(xcb_render_picture_t target, const QRect& rect, c
         xcb_xfixes_set_picture_clip_region(m_connection, target, shape,
                                            toInt16(position.x() + layer.border),
                                            toInt16(position.y() + layer.border));
-        // Without a compositor the server shows the colours of a window and ignores its alpha.
-        xcb_render_composite(m_connection, XCB_RENDER_PICT_OP_SRC, source.id(), XCB_NONE, target, 0,
-                             0, 0, 0, toInt16(position.x()), toInt16(position.y()),
+        const auto operation =
+            static_cast<uint8_t>(m_isBlending ? XCB_RENDER_PICT_OP_OVER : XCB_RENDER_PICT_OP_SRC);
+        xcb_render_composite(m_connection, operation, source.id(), XCB_NONE, target, 0, 0, 0, 0,
+                             toInt16(position.x()), toInt16(position.y()),
                              toUint16(layer.rect.width()), toUint16(layer.rect.height()));
         xcb_xfixes_set_picture_clip_region(m_connection, target, XCB_NONE, 0, 0);
         xcb_xfixes_destroy_region(m_connection, shape);

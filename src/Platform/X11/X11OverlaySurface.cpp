@@ -1,5 +1,6 @@
 #include "Platform/X11/X11OverlaySurface.h"
 
+#include "Drawing/FrostedImage.h"
 #include "Platform/X11/X11OverlaySurfaces.h"
 #include "Services/ScreenPlacement.h"
 
@@ -40,8 +41,7 @@ void X11OverlaySurface::moveNow() {
     const QRect previous = m_window->rect();
     const QRect rect = space.toNative(m_description.frame);
     // What has another look there must be painted first.
-    if (rect.size() != previous.size() ||
-        space.scaleFactorAt(m_description.frame) != m_scaleFactor)
+    if (rect.size() != previous.size() || space.scaleFactorAt(m_description.frame) != m_scaleFactor)
         return;
     m_window->setRect(rect);
     m_owner.flush();
@@ -148,13 +148,21 @@ QImage X11OverlaySurface::paintPart(const QRect& part, Size points,
     QImage image(part.size(), m_owner.imageFormat());
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    if (backdrop) painter.drawImage(0, 0, *backdrop);
+    if (backdrop && !m_owner.isCompositing()) painter.drawImage(0, 0, *backdrop);
     painter.setRenderHint(QPainter::Antialiasing);
+    if (isFrosted()) paintFrost(painter, points, backdrop);
     painter.translate(-part.topLeft());
     painter.scale(m_scaleFactor, m_scaleFactor);
     m_content->paint(painter, points);
     painter.end();
     return image;
+}
+
+void X11OverlaySurface::paintFrost(QPainter& painter, Size points,
+                                   const std::optional<QImage>& backdrop) const {
+    const double deviation = m_content->backdropBlur() * m_scaleFactor;
+    const QBrush glass = backdrop ? QBrush(frosted(*backdrop, deviation)) : QBrush(Qt::black);
+    painter.fillPath(m_content->blurredShape(points, m_scaleFactor), glass);
 }
 
 void X11OverlaySurface::followScreens(const QList<ScreenInfo>& oldScreens,

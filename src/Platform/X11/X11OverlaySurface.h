@@ -38,6 +38,9 @@ public:
     /// Device pixels per point where the surface is.
     double scaleFactor() const { return m_scaleFactor; }
 
+    /// Whether it shows what lies below blurred, which no compositor does by itself.
+    bool isFrosted() const { return m_content && m_content->backdropBlur() > 0; }
+
     /// Sends to the server what differs from the wanted state, mapping and stacking excepted.
     void apply(const DesktopSpace& space);
     /// Paints what is shown again, on what lies below it now.
@@ -56,6 +59,7 @@ private:
     void moveNow();
     void paint(const QRect& rect);
     QImage paintPart(const QRect& part, Size points, const std::optional<QImage>& backdrop) const;
+    void paintFrost(QPainter& painter, Size points, const std::optional<QImage>& backdrop) const;
     void tellDelegate(const Rect& previous);
 
     X11OverlaySurfaces& m_owner;

@@ -10,13 +10,20 @@ constexpr std::chrono::milliseconds shortestRefreshInterval{16};
 
 }  // namespace
 
+bool X11OverlaySurfaces::usesBackdrop(const X11OverlaySurface& surface) const {
+    return surface.isShown() && (!isCompositing() || surface.isFrosted());
+}
+
 void X11OverlaySurfaces::updateBackdrops() {
     const bool wasActive = m_backdrops.isActive();
-    m_backdrops.setActive(!m_stack.empty() && !m_managers.isCompositing());
+    m_backdrops.setBlending(isCompositing());
+    m_backdrops.setActive(
+        std::any_of(m_surfaces.begin(), m_surfaces.end(),
+                    [&](const X11OverlaySurface* surface) { return usesBackdrop(*surface); }));
     if (wasActive || !m_backdrops.isActive()) return;
     for (const X11OverlaySurface* surface : m_surfaces) {
         m_backdrops.leaveOut(surface->window().id());
-        if (surface->isShown()) noteBackdropChange(surface->window().rect());
+        noteBackdropChange(surface->window().rect());
     }
 }
 
@@ -24,7 +31,8 @@ std::optional<QImage> X11OverlaySurfaces::backdropOf(const X11OverlaySurface& su
                                                      const QRect& rect) {
     // Before a window is mapped, the masks that are to lie below it may not be there yet, and what
     // they are to hide would show through.
-    if (!m_backdrops.isActive() || !surface.window().isMapped()) return std::nullopt;
+    if (!m_backdrops.isActive() || !surface.window().isMapped() || !usesBackdrop(surface))
+        return std::nullopt;
     if (!m_layers) m_layers = m_backdrops.readLayers();
     return m_backdrops.capture(rect, surface.window().id(), *m_layers);
 }
@@ -33,7 +41,7 @@ void X11OverlaySurfaces::noteBackdropChange(const QRect& rect) {
     if (!m_backdrops.isActive()) return;
     const bool isBelowSurface =
         std::any_of(m_surfaces.begin(), m_surfaces.end(), [&](const X11OverlaySurface* surface) {
-            return surface->isShown() && surface->window().rect().intersects(rect);
+            return usesBackdrop(*surface) && surface->window().rect().intersects(rect);
         });
     if (!isBelowSurface) return;
     m_changedBackdrop.push_back(rect);
@@ -57,7 +65,7 @@ void X11OverlaySurfaces::refreshBackdrops() {
         const bool isOutOfDate =
             std::any_of(changed.begin(), changed.end(),
                         [&](const QRect& each) { return each.intersects(rect); });
-        if (!isOutOfDate) continue;
+        if (!isOutOfDate || !usesBackdrop(*surface)) continue;
         surface->repaint();
         changed.push_back(rect);
     }

@@ -104,8 +104,8 @@ void X11OverlaySurfaces::commit() {
     if (std::exchange(m_needsOrder, false)) {
         applyOrder();
         updateCloseDownMode();
-        updateBackdrops();
     }
+    if (isChanged) updateBackdrops();
     m_layers.reset();
     // What can be seen comes first.
     m_connection.flush();

@@ -25,7 +25,8 @@
 ///
 /// Without a compositor a window hides what lies below it, whatever its alpha. Then the pictures of
 /// the surfaces are composed here on top of what lies below, again whenever that changes, but at
-/// most once a frame. A surface that has no such picture yet is shown on black.
+/// most once a frame. A surface that has no such picture yet is shown on black. So it is, with or
+/// without a compositor, with surfaces that show what lies below blurred.
 class X11OverlaySurfaces final : public OverlaySurfaces, private StackingGuard::Client {
 public:
     /// Tells whether a top-level window is another window of this program, such as a menu, which
@@ -72,10 +73,9 @@ private:
     void flush() { m_connection.flush(); }
     xcb_cursor_t cursor(CursorShape shape) { return m_cursors.cursor(shape); }
     QImage::Format imageFormat() const;
-    const OverlayVisual& visual() const {
-        return m_managers.isCompositing() ? m_alphaVisual : m_plainVisual;
-    }
-    /// What lies below a surface, to paint it on; nothing where the server shows that itself.
+    const OverlayVisual& visual() const { return isCompositing() ? m_alphaVisual : m_plainVisual; }
+    bool isCompositing() const { return m_managers.isCompositing(); }
+    /// What lies below a surface that uses it; nothing when that cannot be had.
     std::optional<QImage> backdropOf(const X11OverlaySurface& surface, const QRect& rect);
     /// Something changed there on the screen, and what is composed with it is out of date.
     void noteBackdropChange(const QRect& rect);
@@ -89,6 +89,7 @@ private:
     void handleForeignConfigure(const xcb_generic_event_t& event);
     void followScreens();
     void remakeWindows();
+    bool usesBackdrop(const X11OverlaySurface& surface) const;
     void updateBackdrops();
     void refreshBackdrops();
     std::unique_ptr<NativeOverlayWindow> makeWindow(const SurfaceDescription& description);
