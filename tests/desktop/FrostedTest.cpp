@@ -40,7 +40,8 @@ double throughMask(double mean) {
 /// A frosted mask above a window of strokes as of large print.
 class Frosted : public VeylaTest {
 protected:
-    Frosted() : mask(addMask({300, 300, 320, 180}, Qt::black)) {
+    explicit Frosted(const DesktopSession::Options& options = {})
+        : VeylaTest(options), mask(addMask({300, 300, 320, 180}, Qt::black)) {
         workspace.masks.last().style = ScreenMask::Style::frosted;
         page = openBackdrop();
         print();
@@ -150,5 +151,17 @@ TEST_F(Frosted, NeverShowsWhatAMaskBelowHides) {
     ASSERT_EQ(run({QStringLiteral("hide-masks")}).status, 0);
     ASSERT_EQ(run({QStringLiteral("show-masks")}).status, 0);
     EXPECT_TRUE(waitUntil([&] { return isEveryMaskShownOnce(); }));
+    EXPECT_TRUE(blurs(0));
+}
+
+class FrostedOnAPoorServer : public Frosted {
+protected:
+    FrostedOnAPoorServer()
+        : Frosted({.server = {.extraArguments = {QStringLiteral("-extension"),
+                                                 QStringLiteral("Composite")}}}) {}
+};
+
+TEST_F(FrostedOnAPoorServer, IsDense) {
+    start();
     EXPECT_TRUE(blurs(0));
 }
