@@ -23,8 +23,8 @@ size_t sizeOf(QByteArrayView bytes) {
 std::optional<QByteArray> Ed25519::decode(const QByteArray& base64, qsizetype size) {
     const auto decoded = QByteArray::fromBase64Encoding(
         base64.trimmed(), QByteArray::Base64Encoding | QByteArray::AbortOnBase64DecodingErrors);
-    if (!decoded || decoded->size() != size) return std::nullopt;
-    return *decoded;
+    if (!decoded || decoded.decoded.size() != size) return std::nullopt;
+    return decoded.decoded;
 }
 
 bool Ed25519::isSigned(QByteArrayView bytes, const QByteArray& signature,
