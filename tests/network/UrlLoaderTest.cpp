@@ -83,7 +83,7 @@ TEST_F(UrlLoaderTest, FollowsRedirectsToNoLessSafePlace) {
         {QUrl(u"end"_s), "200 end"},
         {QUrl(u"http://192.0.2.1/"_s), refused},
         {QUrl(u"file:///etc/hostname"_s), refused},
-        {server.url(u"/start"_s), "The address redirects too often."},
+        {server.url(u"/start"_s), "127.0.0.1 redirects too often."},
     };
     server.answer("/end", {.body = "end"});
     for (const auto& [target, outcome] : cases) {
@@ -173,19 +173,14 @@ TEST_F(UrlLoaderTest, GivesUpAtTheTimeLimitOfTheVirtualClock) {
     }
 }
 
-// The threads of this process, whose names the toolkit chooses.
-int httpThreadCount() {
-    int count = 0;
-    for (const QString& thread : QDir(u"/proc/self/task"_s).entryList(QDir::Dirs)) {
-        QFile name(u"/proc/self/task/"_s + thread + u"/comm"_s);
-        if (name.open(QIODevice::ReadOnly) && name.readAll().contains("HTTP")) ++count;
-    }
-    return count;
+qsizetype threadCount() {
+    return QDir(u"/proc/self/task"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
 }
 
 TEST_F(UrlLoaderTest, LettingGoCancelsSilentlyAndLeavesNothing) {
     server.answer("/", {.body = "begun", .announcedLength = 100,
                         .ending = HttpServer::Ending::stayOpen});
+    ASSERT_TRUE(waitUntil([] { return threadCount() == 1; }));
     std::vector<qint64> progress;
     int completions = 0;
     Subscription handle = loader.load(
@@ -197,11 +192,11 @@ TEST_F(UrlLoaderTest, LettingGoCancelsSilentlyAndLeavesNothing) {
     ASSERT_TRUE(goOnUntil([&] { return !progress.empty() && progress.back() == 5; }));
     server.sendMore("more");
     ASSERT_TRUE(goOnUntil([&] { return progress.back() == 9; }));
-    EXPECT_EQ(httpThreadCount(), 1);
+    EXPECT_GT(threadCount(), 1);
     handle.reset();
     EXPECT_TRUE(waitUntil([&] { return server.connectionCount() == 0; }));
     EXPECT_TRUE(loader.isIdle() && loop.isIdle());
-    EXPECT_EQ(httpThreadCount(), 0);
+    EXPECT_TRUE(waitUntil([] { return threadCount() == 1; }));
     EXPECT_EQ(completions, 0);
 
     // An answer that is already there can still be cancelled, and a loader may die in a callback.

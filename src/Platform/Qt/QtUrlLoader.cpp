@@ -14,9 +14,8 @@ using namespace Qt::Literals::StringLiterals;
 /// One request, from `load` until its completion is called.
 class QtUrlLoader::Transfer : public std::enable_shared_from_this<Transfer> {
 public:
-    Transfer(const UrlRequest& request, Completion onEnd, Progress onProgress)
-        : url(request.url),
-          bodyLimit(request.bodyLimit),
+    Transfer(UrlRequest toSend, Completion onEnd, Progress onProgress)
+        : request(std::move(toSend)),
           completion(std::move(onEnd)),
           progress(std::move(onProgress)) {}
     Transfer(const Transfer&) = delete;
@@ -34,9 +33,9 @@ public:
         reply = nullptr;
     }
 
-    /// Where the request is now, after the redirects so far.
-    QUrl url;
-    qint64 bodyLimit;
+    /// Its address is where the redirects have led so far.
+    UrlRequest request;
+    int redirectCount = 0;
     Completion completion;
     Progress progress;
     bool isProgressDue = false;
@@ -75,20 +74,28 @@ QNetworkRequest networkRequest(const UrlRequest& request) {
     const auto set = [&](QNetworkRequest::Attribute attribute, int value) {
         result.setAttribute(attribute, value);
     };
-    set(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::UserVerifiedRedirectPolicy);
+    set(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     set(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
     set(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
     set(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
     set(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
     result.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
-    result.setMaximumRedirectsAllowed(QtUrlLoader::redirectLimit);
     return result;
 }
 
-// Qt reports the statuses of servers as errors too, apart from those of the transport.
+// Qt reports the statuses of servers as errors too, apart from those of the transport. A server
+// that asks as a proxy does is one of them.
 bool isTransportError(QNetworkReply::NetworkError error) {
-    return (error > QNetworkReply::NoError && error < QNetworkReply::ContentAccessDenied) ||
-           error == QNetworkReply::ProtocolUnknownError || error == QNetworkReply::ProtocolFailure;
+    return error != QNetworkReply::ProxyAuthenticationRequiredError &&
+           ((error > QNetworkReply::NoError && error < QNetworkReply::ContentAccessDenied) ||
+            error == QNetworkReply::ProtocolFailure);
+}
+
+/// Where the answer sends the request, if it does.
+std::optional<QUrl> redirectTarget(const QNetworkReply& reply) {
+    const QVariant target = reply.attribute(QNetworkRequest::RedirectionTargetAttribute);
+    if (!target.isValid()) return std::nullopt;
+    return reply.url().resolved(target.toUrl());
 }
 
 QString errorText(const QNetworkReply& reply, const QUrl& url, const QString& certificateProblem) {
@@ -104,8 +111,6 @@ QString errorText(const QNetworkReply& reply, const QUrl& url, const QString& ce
             return u"No secure connection to %1 could be made: %2"_s.arg(
                 url.host(), certificateProblem.isEmpty() ? reply.errorString().simplified()
                                                          : certificateProblem);
-        case QNetworkReply::TooManyRedirectsError:
-            return u"The address redirects too often."_s;
         default:
             return reply.errorString().simplified();
     }
@@ -126,7 +131,12 @@ Subscription QtUrlLoader::load(const UrlRequest& request, Completion completion,
         std::make_shared<Transfer>(request, std::move(completion), std::move(progress));
     m_transfers.push_back(transfer);
     if (isHttp(request.url)) {
-        start(transfer, request);
+        transfer->timeLimit = m_scheduler.after(
+            request.timeLimit, m_lifetime.guard([this, weakTransfer = std::weak_ptr(transfer)] {
+                const auto late = weakTransfer.lock();
+                if (late && !late->hasEnded()) end(*late, UrlError{u"The request timed out."_s});
+            }));
+        send(*transfer);
     } else {
         end(*transfer, UrlError{u"Only http and https addresses can be loaded."_s});
     }
@@ -135,49 +145,48 @@ Subscription QtUrlLoader::load(const UrlRequest& request, Completion completion,
     }));
 }
 
-void QtUrlLoader::start(const std::shared_ptr<Transfer>& transfer, const UrlRequest& request) {
-    transfer->timeLimit = m_scheduler.after(
-        request.timeLimit, m_lifetime.guard([this, weakTransfer = std::weak_ptr(transfer)] {
-            const auto late = weakTransfer.lock();
-            if (late && !late->hasEnded()) end(*late, UrlError{u"The request timed out."_s});
-        }));
+void QtUrlLoader::send(Transfer& transfer) {
     if (!m_manager) m_manager = std::make_unique<QNetworkAccessManager>();
-    transfer->reply = m_manager->get(networkRequest(request));
+    transfer.reply = m_manager->get(networkRequest(transfer.request));
 
-    // The connections end with the transfer's context.
-    auto* const running = transfer.get();
-    const auto* const reply = running->reply;
-    QObject::connect(reply, &QNetworkReply::redirected, &running->context,
-                     [this, running](const QUrl& target) { followRedirect(*running, target); });
-    QObject::connect(reply, &QNetworkReply::sslErrors, &running->context,
-                     [running](const QList<QSslError>& errors) {
-                         running->certificateProblem = errors.value(0).errorString();
+    // The connections end with the transfer's context at the latest.
+    const auto* const reply = transfer.reply;
+    QObject::connect(reply, &QNetworkReply::sslErrors, &transfer.context,
+                     [&transfer](const QList<QSslError>& errors) {
+                         transfer.certificateProblem = errors.value(0).errorString();
                      });
-    QObject::connect(reply, &QNetworkReply::readyRead, &running->context,
-                     [this, running] { receive(*running); });
-    QObject::connect(reply, &QNetworkReply::metaDataChanged, &running->context,
-                     [this, running] { receive(*running); });
-    QObject::connect(reply, &QNetworkReply::finished, &running->context,
-                     [this, running] { conclude(*running); });
+    QObject::connect(reply, &QNetworkReply::metaDataChanged, &transfer.context,
+                     [this, &transfer] { receive(transfer); });
+    QObject::connect(reply, &QNetworkReply::readyRead, &transfer.context,
+                     [this, &transfer] { receive(transfer); });
+    QObject::connect(reply, &QNetworkReply::finished, &transfer.context,
+                     [this, &transfer] { conclude(transfer); });
 }
 
+// Qt 6.4 would follow by itself, but it goes on from http to any host, and when it asks before each
+// step it takes some of them twice.
 void QtUrlLoader::followRedirect(Transfer& transfer, const QUrl& target) {
-    if (!isNoLessSafe(transfer.url, target)) {
-        end(transfer, UrlError{u"%1 redirects to a place that is less safe."_s.arg(
-                          transfer.url.host())});
-        return;
+    QUrl& url = transfer.request.url;
+    if (!isNoLessSafe(url, target)) {
+        end(transfer, UrlError{u"%1 redirects to a place that is less safe."_s.arg(url.host())});
+    } else if (++transfer.redirectCount > redirectLimit) {
+        end(transfer, UrlError{u"%1 redirects too often."_s.arg(url.host())});
+    } else {
+        url = target;
+        transfer.letGoOfReply();
+        send(transfer);
     }
-    transfer.url = target;
-    transfer.body.clear();
-    transfer.total.reset();
-    Q_EMIT transfer.reply->redirectAllowed();
 }
 
 void QtUrlLoader::receive(Transfer& transfer) {
+    if (const auto target = redirectTarget(*transfer.reply)) {
+        followRedirect(transfer, *target);
+        return;
+    }
     const QVariant length = transfer.reply->header(QNetworkRequest::ContentLengthHeader);
     if (length.isValid()) transfer.total = length.toLongLong();
     if (std::max(transfer.total.value_or(0),
-                 transfer.body.size() + transfer.reply->bytesAvailable()) > transfer.bodyLimit) {
+                 transfer.body.size() + transfer.reply->bytesAvailable()) > transfer.request.bodyLimit) {
         end(transfer, UrlError{u"The answer is too large."_s});
         return;
     }
@@ -197,11 +206,11 @@ void QtUrlLoader::conclude(Transfer& transfer) {
     const QNetworkReply& reply = *transfer.reply;
     const QVariant status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
     if (isTransportError(reply.error()) || !status.isValid()) {
-        end(transfer, UrlError{errorText(reply, transfer.url, transfer.certificateProblem)});
+        end(transfer, UrlError{errorText(reply, transfer.request.url, transfer.certificateProblem)});
         return;
     }
     receive(transfer);
-    if (transfer.hasEnded()) return;
+    if (transfer.reply != &reply) return;
     end(transfer, UrlResponse{status.toInt(), std::exchange(transfer.body, {})});
 }
 

@@ -39,7 +39,7 @@ public:
 private:
     class Transfer;
 
-    void start(const std::shared_ptr<Transfer>& transfer, const UrlRequest& request);
+    void send(Transfer& transfer);
     void followRedirect(Transfer& transfer, const QUrl& target);
     void receive(Transfer& transfer);
     void conclude(Transfer& transfer);

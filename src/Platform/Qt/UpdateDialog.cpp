@@ -90,7 +90,10 @@ UpdateDialog::UpdateDialog(std::function<void(bool)> onAutomaticChecks)
     column->addWidget(m_automaticChecks);
     column->addStretch();
     column->addLayout(row);
-    setTabOrder({m_text, m_automaticChecks, m_buttons[0], m_buttons[1], m_buttons[2]});
+    setTabOrder(m_text, m_automaticChecks);
+    setTabOrder(m_automaticChecks, m_buttons[0]);
+    setTabOrder(m_buttons[0], m_buttons[1]);
+    setTabOrder(m_buttons[1], m_buttons[2]);
 }
 
 void UpdateDialog::setPage(const UpdatePage& page) {
