@@ -7,6 +7,10 @@
 
 #include <gtest/gtest.h>
 
+inline void PrintTo(const QString& text, std::ostream* stream) {
+    *stream << '"' << text.toStdString() << '"';
+}
+
 /// A server and a loader, with the loader's time on a virtual clock.
 class LoaderTest : public testing::Test {
 protected:
