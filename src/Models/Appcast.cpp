@@ -112,10 +112,9 @@ bool isForThisSystem(const AppcastItem& item) {
 
 Appcast Appcast::fromXml(const QByteArray& xml) {
     Appcast appcast = Reader(xml).read();
-    const bool hasVersion =
-        std::any_of(appcast.items.begin(), appcast.items.end(), [](const AppcastItem& item) {
-            return ReleaseVersion::fromText(item.version).has_value();
-        });
+    const bool hasVersion = std::any_of(
+        appcast.items.begin(), appcast.items.end(),
+        [](const AppcastItem& item) { return ReleaseVersion::fromText(item.version).has_value(); });
     if (!appcast.items.isEmpty() && !hasVersion)
         throw AppcastError{u"The list of releases names no version."_s};
     return appcast;

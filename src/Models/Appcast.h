@@ -35,7 +35,9 @@ struct AppcastItem {
     /// Absent when there is nothing to download.
     std::optional<AppcastEnclosure> enclosure;
 
-    const QString& displayVersion() const { return shortVersion.isEmpty() ? version : shortVersion; }
+    const QString& displayVersion() const {
+        return shortVersion.isEmpty() ? version : shortVersion;
+    }
 
     bool operator==(const AppcastItem&) const = default;
 };

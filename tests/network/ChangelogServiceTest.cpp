@@ -1,6 +1,5 @@
-#include "Services/ChangelogService.h"
-
 #include "Platform/Headless/HeadlessUrlLoader.h"
+#include "Services/ChangelogService.h"
 #include "network/LoaderFixture.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -32,9 +31,8 @@ protected:
 
     std::string fetch() {
         QStringList results;
-        const Subscription handle = service.fetchLatest([&](const auto& result) {
-            results.append(QString::fromStdString(summary(result)));
-        });
+        const Subscription handle = service.fetchLatest(
+            [&](const auto& result) { results.append(QString::fromStdString(summary(result))); });
         EXPECT_TRUE(goOnUntil([&] { return !results.isEmpty(); }));
         EXPECT_EQ(results.size(), 1);
         return results.value(0).toStdString();
@@ -73,7 +71,9 @@ TEST_F(ChangelogServiceTest, TurnsEveryAnswerIntoNotesOrOneError) {
         {"too large",
          {.body = full + QByteArray(ChangelogService::bodyLimit, ' ')},
          "network: The answer is too large."},
-        {"cut off", {.body = full, .announcedLength = 9999}, "network: The connection to 127.0.0.1"},
+        {"cut off",
+         {.body = full, .announcedLength = 9999},
+         "network: The connection to 127.0.0.1"},
     };
     server.answer("/full", {.body = full});
     for (const auto& [description, answer, outcome] : cases) {
@@ -91,7 +91,8 @@ TEST_F(ChangelogServiceTest, TurnsEveryAnswerIntoNotesOrOneError) {
 }
 
 TEST_F(ChangelogServiceTest, UnusableAddressesAreToldAtOnceWithoutARequest) {
-    for (const QString& address : {u""_s, u"no address"_s, u"http://[::1"_s, u"/latest"_s, u" "_s}) {
+    for (const QString& address :
+         {u""_s, u"no address"_s, u"http://[::1"_s, u"/latest"_s, u" "_s}) {
         setAddress(address);
         std::string outcome;
         const Subscription handle =

@@ -30,7 +30,8 @@ QByteArray SigningKey::signatureOf(const QByteArray& package) const {
     QFile file(m_folder.filePath(u"veyla.deb"_s));
     if (!file.open(QIODevice::WriteOnly) || file.write(package) != package.size() || !file.flush())
         throw std::runtime_error("the package to sign cannot be written");
-    return outputOf(u"openssl pkeyutl -sign -rawin -inkey release-key.pem -in veyla.deb | "
-                    "base64 -w 0"_s,
-                    m_folder.path());
+    return outputOf(
+        u"openssl pkeyutl -sign -rawin -inkey release-key.pem -in veyla.deb | "
+        "base64 -w 0"_s,
+        m_folder.path());
 }

@@ -18,9 +18,11 @@ namespace {
 
 using Kind = UpdateOutcome::Kind;
 
-const QString longNotes = u"<head><link rel='stylesheet' href='http://127.0.0.1:9/x'></head><h2>New</h2><p>A <b>bold</b> word &amp; more.</p><ul><li>One</li>"
-                          "<li>Two</li></ul><img src='file:///etc/hostname'>"_s +
-                          u"<p>More of it.</p>"_s.repeated(40);
+const QString longNotes =
+    u"<head><link rel='stylesheet' href='http://127.0.0.1:9/x'></head><h2>New</h2><p>A <b>bold</b> "
+    u"word &amp; more.</p><ul><li>One</li>"
+    "<li>Two</li></ul><img src='file:///etc/hostname'>"_s +
+    u"<p>More of it.</p>"_s.repeated(40);
 
 class UpdateDialogsTest : public testing::Test {
 protected:
@@ -58,15 +60,20 @@ protected:
         for (const auto* const widget : window()->findChildren<QWidget*>()) {
             if (!widget->isVisible() || accessibleIdentifier(*widget).isEmpty()) continue;
             const std::string name = accessibleIdentifier(*widget).toStdString();
-            const int needed = widget->hasHeightForWidth()
-                                   ? widget->heightForWidth(widget->width())
-                                   : widget->minimumSizeHint().height();
-            EXPECT_GE(widget->height(), needed) << name;
-            EXPECT_GE(widget->width(), widget->minimumSizeHint().width()) << name;
+            // Long texts scroll instead.
+            if (qobject_cast<const QAbstractScrollArea*>(widget) == nullptr) {
+                const int needed = widget->hasHeightForWidth()
+                                       ? widget->heightForWidth(widget->width())
+                                       : widget->minimumSizeHint().height();
+                EXPECT_GE(widget->height(), needed) << name;
+                EXPECT_GE(widget->width(), widget->minimumSizeHint().width()) << name;
+            }
             EXPECT_TRUE(window()->rect().contains(widget->geometry())) << name;
             const auto* const button = qobject_cast<const QAbstractButton*>(widget);
             const auto* const label = qobject_cast<const QLabel*>(widget);
-            EXPECT_FALSE((button ? button->text() : label ? label->text() : widget->accessibleName())
+            EXPECT_FALSE((button  ? button->text()
+                          : label ? label->text()
+                                  : widget->accessibleName())
                              .isEmpty())
                 << name;
         }
@@ -76,8 +83,9 @@ protected:
 };
 
 TEST_F(UpdateDialogsTest, EveryOutcomeIsToldAndCanBeClosed) {
-    const QString reason = u"The connection to a.rather.long.host.name.example.org was closed "
-                           "before the answer was complete."_s;
+    const QString reason =
+        u"The connection to a.rather.long.host.name.example.org was closed "
+        "before the answer was complete."_s;
     const QString path = u"/home/somebody/.cache/"_s + u"deep/"_s.repeated(30) + u"veyla.deb"_s;
     const struct {
         UpdateOutcome outcome;
@@ -88,7 +96,8 @@ TEST_F(UpdateDialogsTest, EveryOutcomeIsToldAndCanBeClosed) {
         {{Kind::cannotCheck, {}, reason}, u"Veyla cannot check for updates"_s, {}},
         {{Kind::checkFailed, {}, reason}, u"The check for updates failed"_s, {}},
         {{Kind::checkFailed, u"1.2"_s, reason},
-         u"There is a Veyla 1.2, but it cannot be installed"_s, {}},
+         u"There is a Veyla 1.2, but it cannot be installed"_s,
+         {}},
         {{Kind::downloadFailed, u"1.2"_s, reason}, u"Veyla 1.2 could not be downloaded"_s, {}},
         {{Kind::badSignature, u"1.2"_s, reason}, u"Veyla 1.2 cannot be trusted"_s, {}},
         {{Kind::cannotKeep, u"1.2"_s, reason}, u"Veyla 1.2 could not be saved"_s, {}},
@@ -112,10 +121,17 @@ TEST_F(UpdateDialogsTest, EveryOutcomeIsToldAndCanBeClosed) {
             const bool hasSwitch = shown<QCheckBox>("update.automaticChecks") != nullptr;
             EXPECT_EQ(hasSwitch, outcome.kind == Kind::upToDate);
             switch (turn++ % 4) {
-                case 0: press(Qt::Key_Escape); break;
-                case 1: press(Qt::Key_Return); break;
-                case 2: QTest::mouseClick(shown("update.close"), Qt::LeftButton); break;
-                default: window()->close();
+                case 0:
+                    press(Qt::Key_Escape);
+                    break;
+                case 1:
+                    press(Qt::Key_Return);
+                    break;
+                case 2:
+                    QTest::mouseClick(shown("update.close"), Qt::LeftButton);
+                    break;
+                default:
+                    window()->close();
             }
             EXPECT_TRUE(isClosed());
         }
@@ -138,8 +154,14 @@ TEST_F(UpdateDialogsTest, OffersAreAnsweredOnceByKeysAndClicks) {
         {"Skip", click("update.skip"), UpdateChoice::skip},
         {"Escape", [] { press(Qt::Key_Escape); }, UpdateChoice::later},
         {"Close", [] { window()->close(); }, UpdateChoice::later},
-        {"Tab and Space", [] { press(Qt::Key_Tab); press(Qt::Key_Space); }, UpdateChoice::later},
-        {"Alt+S", [] { QTest::keyClick(window(), Qt::Key_S, Qt::AltModifier); }, UpdateChoice::skip},
+        {"Tab and Space",
+         [] {
+             press(Qt::Key_Tab);
+             press(Qt::Key_Space);
+         },
+         UpdateChoice::later},
+        {"Alt+S", [] { QTest::keyClick(window(), Qt::Key_S, Qt::AltModifier); },
+         UpdateChoice::skip},
     };
     for (const auto& [description, answer, choice] : cases) {
         SCOPED_TRACE(description);
@@ -180,7 +202,10 @@ TEST_F(UpdateDialogsTest, NotesArePlainScrollAndLoadNothing) {
 
 TEST_F(UpdateDialogsTest, ProgressIsShownAndCancelled) {
     int cancelled = 0;
-    const auto cancel = [&] { ++cancelled; dialogs.dismiss(); };
+    const auto cancel = [&] {
+        ++cancelled;
+        dialogs.dismiss();
+    };
     dialogs.showChecking(cancel);
     expectSound();
     press(Qt::Key_Escape);

@@ -38,9 +38,9 @@ public:
         progress = {received, total.value_or(-1)};
     }
     void showOutcome(const UpdateOutcome& outcome) override {
-        constexpr const char* names[] = {"up to date", "cannot check", "check failed",
+        constexpr const char* names[] = {"up to date",      "cannot check",  "check failed",
                                          "download failed", "bad signature", "cannot keep",
-                                         "handed over", "not opened"};
+                                         "handed over",     "not opened"};
         shown.append(u"%1 %2: %3"_s.arg(QString::fromLatin1(names[int(outcome.kind)]),
                                         outcome.version, outcome.reason));
         packagePath = outcome.packagePath;
@@ -87,8 +87,10 @@ protected:
                  .publicKey = releaseKey().publicKey(),
                  .memoryPath = folder.filePath(u"state/Veyla/updates.json"_s),
                  .packageFolder = folder.filePath(u"cache/Veyla/updates"_s),
-                 .now = [this] { return startOfClock + std::chrono::floor<std::chrono::seconds>(
-                                                           loop.now()); },
+                 .now =
+                     [this] {
+                         return startOfClock + std::chrono::floor<std::chrono::seconds>(loop.now());
+                     },
                  .openPackage =
                      [this](const QString& path) {
                          opened.append(path);
@@ -107,11 +109,12 @@ protected:
     void start() { start(server.url(u"/feed"_s)); }
 
     QByteArray enclosure(const QByteArray& more) const {
-        return "<enclosure url='" + server.url(u"/veyla_1.2.deb"_s).toEncoded() + "' " + more + "/>";
+        return "<enclosure url='" + server.url(u"/veyla_1.2.deb"_s).toEncoded() + "' " + more +
+               "/>";
     }
     QByteArray goodEnclosure() const {
-        return enclosure("length='" + QByteArray::number(goodPackage.size()) +
-                         "' s:edSignature='" + goodSignature() + "'");
+        return enclosure("length='" + QByteArray::number(goodPackage.size()) + "' s:edSignature='" +
+                         goodSignature() + "'");
     }
     static QByteArray item(const char* version, const QByteArray& more) {
         return "<item><s:version>" + QByteArray(version) +
@@ -121,7 +124,8 @@ protected:
         server.answer("/feed",
                       {.body = "<rss "
                                "xmlns:s='http://www.andymatuschak.org/xml-namespaces/sparkle'>"
-                               "<channel>" + items + "</channel></rss>"});
+                               "<channel>" +
+                               items + "</channel></rss>"});
     }
     void offerGoodRelease() {
         answerFeed(item("1.2", goodEnclosure()));
@@ -129,7 +133,9 @@ protected:
     }
 
     /// Lets a check, or a download, go on to its outcome or offer.
-    bool settle() { return goOnUntil([&] { return canCheck; }); }
+    bool settle() {
+        return goOnUntil([&] { return canCheck; });
+    }
 
     /// A check that the user asks for, up to its outcome or offer.
     Transcript check() {
@@ -232,7 +238,8 @@ TEST_F(UpdateTest, HandsOverAGoodReleaseAndKeepsNoOther) {
     // Names are taken from an unsigned list, and a disk may be full.
     const QByteArray url = server.url(u"/..%2F.;$x"_s).toEncoded();
     server.answer("/..%2F.;$x", {.body = goodPackage});
-    answerFeed(item("1.2", "<enclosure url='" + url + "' s:edSignature='" + goodSignature() + "'/>"));
+    answerFeed(
+        item("1.2", "<enclosure url='" + url + "' s:edSignature='" + goodSignature() + "'/>"));
     check();
     EXPECT_EQ(install().last(), u"not opened 1.2: "_s);
     EXPECT_EQ(keptFiles(), QStringList{u"_x"_s});
@@ -257,20 +264,33 @@ TEST_F(UpdateTest, NothingIsKeptOrOpenedThatIsNotWholeAndSigned) {
         Answer answer;
         QString outcome;
     } cases[] = {
-        {"another key", signedBy(otherKey.signatureOf(goodPackage), size), {.body = goodPackage}, wrong},
+        {"another key",
+         signedBy(otherKey.signatureOf(goodPackage), size),
+         {.body = goodPackage},
+         wrong},
         {"one byte changed", signedBy(goodSignature(), size), {.body = changed}, wrong},
-        {"half a signature", signedBy(goodSignature().first(44), size), {.body = goodPackage}, wrong},
+        {"half a signature",
+         signedBy(goodSignature().first(44), size),
+         {.body = goodPackage},
+         wrong},
         {"no Base64", signedBy("*", size), {.body = goodPackage}, wrong},
         {"nothing", signedBy(goodSignature(), "0"), {}, wrong},
-        {"shorter", signedBy(goodSignature(), size), {.body = goodPackage.chopped(1)},
+        {"shorter",
+         signedBy(goodSignature(), size),
+         {.body = goodPackage.chopped(1)},
          u"download failed 1.2: The package is shorter than announced."_s},
-        {"longer", signedBy(goodSignature(), size), {.body = goodPackage + 'x'},
+        {"longer",
+         signedBy(goodSignature(), size),
+         {.body = goodPackage + 'x'},
          u"download failed 1.2: The answer is too large."_s},
-        {"cut off", signedBy(goodSignature(), size),
+        {"cut off",
+         signedBy(goodSignature(), size),
          {.body = goodPackage.first(99), .announcedLength = goodPackage.size()},
          u"download failed 1.2: The connection to 127.0.0.1 was closed before the answer was "
          "complete."_s},
-        {"gone", signedBy(goodSignature(), size), {.status = 410, .body = goodPackage},
+        {"gone",
+         signedBy(goodSignature(), size),
+         {.status = 410, .body = goodPackage},
          u"download failed 1.2: The server answered with status 410."_s},
     };
     start();
@@ -327,7 +347,8 @@ TEST_F(UpdateTest, TellsWhyItCannotCheck) {
         {QUrl(u"file:///feed"_s), setup.publicKey,
          u"The list of releases of this build is not at an https address."_s},
         {feed, {}, u"This build of Veyla has no key to verify releases with."_s},
-        {feed, setup.publicKey.first(40), u"The key of this build to verify releases with is broken."_s},
+        {feed, setup.publicKey.first(40),
+         u"The key of this build to verify releases with is broken."_s},
         {feed, "no Base64", u"The key of this build to verify releases with is broken."_s},
     };
     for (const auto& [address, key, reason] : cases) {

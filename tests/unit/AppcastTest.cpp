@@ -1,5 +1,4 @@
 #include "Models/Appcast.h"
-
 #include "Models/ReleaseVersion.h"
 
 #include <gtest/gtest.h>
@@ -66,10 +65,18 @@ TEST(Appcast, ReadsTheElementsOfTheFormatWhateverTheirPrefix) {
           s:shortVersionString="One" s:os="windows"/></item>)"))
                            .items;
     EXPECT_EQ(items, (QList<AppcastItem>{
-                         {u"2.0"_s, u"Two"_s, u"Two"_s, u"<p>New &amp; <b>better</b></p>"_s, {},
+                         {u"2.0"_s,
+                          u"Two"_s,
+                          u"Two"_s,
+                          u"<p>New &amp; <b>better</b></p>"_s,
+                          {},
                           AppcastEnclosure{QUrl(u"https://h/v.deb"_s), 10, "c2ln", {}}},
                          {{}, {}, {}, u"abc"_s, u"beta"_s, {}},
-                         {u"1.0"_s, u"One"_s, {}, {}, {},
+                         {u"1.0"_s,
+                          u"One"_s,
+                          {},
+                          {},
+                          {},
                           AppcastEnclosure{QUrl(u"https://h/old"_s), {}, {}, u"windows"_s}},
                      }));
 }

@@ -31,19 +31,19 @@ std::optional<QByteArray> bodyOf(const UrlLoader::Result& result, QString* reaso
 }  // namespace
 
 AppcastUpdateFramework::Setup AppcastUpdateFramework::Setup::ofThisBuild() {
-    return {.runningVersion = QStringLiteral(VEYLA_VERSION),
-            .publicKey = QByteArrayLiteral(VEYLA_UPDATE_PUBLIC_KEY),
-            .memoryPath = UpdateMemory::defaultPath(),
-            .packageFolder = PackageFolder::defaultPath(),
-            .now =
-                [] {
-                    return std::chrono::floor<std::chrono::seconds>(
-                        std::chrono::system_clock::now());
-                },
-            .openPackage =
-                [](const QString& path) {
-                    return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
-                }};
+    return {
+        .runningVersion = QStringLiteral(VEYLA_VERSION),
+        .publicKey = QByteArrayLiteral(VEYLA_UPDATE_PUBLIC_KEY),
+        .memoryPath = UpdateMemory::defaultPath(),
+        .packageFolder = PackageFolder::defaultPath(),
+        .now =
+            [] {
+                return std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
+            },
+        .openPackage =
+            [](const QString& path) {
+                return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+            }};
 }
 
 AppcastUpdateFramework::AppcastUpdateFramework(UrlLoader& loader, Scheduler& scheduler,

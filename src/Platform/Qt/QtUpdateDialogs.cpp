@@ -98,6 +98,7 @@ void QtUpdateDialogs::showOffer(const UpdateOffer& offer, bool isExpected,
           .text = plainNotes(offer.notes),
           .textName = u"Release notes"_s,
           .textLines = notesLines,
+          .isTextLong = true,
           .automaticChecks = m_automaticChecks,
           .buttons = {{u"&Install"_s, u"install"_s, choosing(UpdateChoice::install)},
                       {u"&Later"_s, u"later"_s, choosing(UpdateChoice::later)},
@@ -126,12 +127,14 @@ void QtUpdateDialogs::showOutcome(const UpdateOutcome& outcome) {
                   .buttons = {closeButton()}});
             break;
         case Kind::handedOver:
-            show(packagePage(outcome, u"Your desktop has been asked to open it. Should nothing "
-                                      "open, install this package yourself:"_s));
+            show(packagePage(outcome,
+                             u"Your desktop has been asked to open it. Should nothing "
+                             "open, install this package yourself:"_s));
             break;
         case Kind::notOpened:
-            show(packagePage(outcome, u"Nothing on this desktop opens it, so install this package "
-                                      "yourself:"_s));
+            show(packagePage(outcome,
+                             u"Nothing on this desktop opens it, so install this package "
+                             "yourself:"_s));
             break;
         default:
             show(failurePage(outcome));

@@ -186,7 +186,8 @@ void QtUrlLoader::receive(Transfer& transfer) {
     const QVariant length = transfer.reply->header(QNetworkRequest::ContentLengthHeader);
     if (length.isValid()) transfer.total = length.toLongLong();
     if (std::max(transfer.total.value_or(0),
-                 transfer.body.size() + transfer.reply->bytesAvailable()) > transfer.request.bodyLimit) {
+                 transfer.body.size() + transfer.reply->bytesAvailable()) >
+        transfer.request.bodyLimit) {
         end(transfer, UrlError{u"The answer is too large."_s});
         return;
     }
@@ -206,7 +207,8 @@ void QtUrlLoader::conclude(Transfer& transfer) {
     const QNetworkReply& reply = *transfer.reply;
     const QVariant status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
     if (isTransportError(reply.error()) || !status.isValid()) {
-        end(transfer, UrlError{errorText(reply, transfer.request.url, transfer.certificateProblem)});
+        end(transfer,
+            UrlError{errorText(reply, transfer.request.url, transfer.certificateProblem)});
         return;
     }
     receive(transfer);

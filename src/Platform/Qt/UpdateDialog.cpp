@@ -17,6 +17,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr int leastWidth = 460;
+constexpr int margin = 18;
+constexpr int spacing = 10;
 constexpr int buttonCount = 3;
 constexpr int progressSteps = 1000;
 constexpr double headlineScale = 1.2;
@@ -82,6 +84,8 @@ UpdateDialog::UpdateDialog(std::function<void(bool)> onAutomaticChecks)
     row->addWidget(m_buttons[0]);
 
     auto* const column = new QVBoxLayout(this);
+    column->setContentsMargins(margin, margin, margin, margin);
+    column->setSpacing(spacing);
     column->addWidget(m_headline);
     column->addWidget(m_detail);
     column->addWidget(m_text, 1);
@@ -108,7 +112,9 @@ void UpdateDialog::setPage(const UpdatePage& page) {
     m_text->setPlainText(page.text);
     m_text->setAccessibleName(page.textName);
     m_text->setVisible(!page.textName.isEmpty());
-    m_text->setMinimumHeight(m_text->fontMetrics().lineSpacing() * (page.textLines + 1));
+    const int textHeight = m_text->fontMetrics().lineSpacing() * (page.textLines + 1);
+    m_text->setMinimumHeight(textHeight);
+    m_text->setMaximumHeight(page.isTextLong ? QWIDGETSIZE_MAX : textHeight);
     m_progress->setVisible(page.hasProgress);
     m_progress->setRange(0, 0);
     setShownText(*m_amount, QString());

@@ -27,7 +27,9 @@ struct UpdatePage {
     /// Plain text that scrolls and can be copied, and the name of it; without a name there is none.
     QString text = {};
     QString textName = {};
+    /// How many lines there is room for, and whether a larger window has room for more.
     int textLines = 0;
+    bool isTextLong = false;
     bool hasProgress = false;
     /// The state of the switch for checks that run by themselves; absent for no switch.
     std::optional<bool> automaticChecks = std::nullopt;

@@ -54,8 +54,7 @@ bool UpdateMemory::setSkippedVersion(const QString& version) {
 
 bool UpdateMemory::save() const {
     QJsonObject object{{u"automaticChecks"_s, m_checksAutomatically}};
-    if (m_lastCheck)
-        object.insert(u"lastCheck"_s, qint64(m_lastCheck->time_since_epoch().count()));
+    if (m_lastCheck) object.insert(u"lastCheck"_s, qint64(m_lastCheck->time_since_epoch().count()));
     if (!m_skippedVersion.isEmpty()) object.insert(u"skippedVersion"_s, m_skippedVersion);
     if (!makeOwnFolder(QFileInfo(m_path).path())) return false;
     QSaveFile file(m_path);

@@ -66,9 +66,8 @@ void HttpServer::stopListening() {
 }
 
 QUrl HttpServer::url(const QString& path) const {
-    return QUrl(u"%1://127.0.0.1:%2%3"_s.arg(m_isSecure ? u"https"_s : u"http"_s)
-                    .arg(m_port)
-                    .arg(path));
+    return QUrl(
+        u"%1://127.0.0.1:%2%3"_s.arg(m_isSecure ? u"https"_s : u"http"_s).arg(m_port).arg(path));
 }
 
 void HttpServer::accept() {
