@@ -18,7 +18,8 @@ class QNetworkAccessManager;
 /// hangs up before it says anything is asked again a few times by the toolkit.
 ///
 /// What the network needs (connections, a thread of the toolkit) exists only while something is
-/// being loaded. Needs a QCoreApplication, and its event loop to run.
+/// being loaded; where the toolkit asks libproxy for the proxy, the sleeping thread that it does so
+/// with stays. Needs a QCoreApplication, and its event loop to run.
 class QtUrlLoader final : public UrlLoader {
 public:
     static constexpr int redirectLimit = 5;
