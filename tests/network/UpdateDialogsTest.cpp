@@ -42,7 +42,10 @@ protected:
         return nullptr;
     }
 
-    static QString headline() { return shown<QLabel>("update.headline")->text(); }
+    static bool shownVersion() {
+        return (shown<QLabel>("update.headline")->text() + shown<QLabel>("update.detail")->text())
+            .contains(u"1.2"_s);
+    }
 
     static bool isActive() {
         return waitUntil([] { return window() != nullptr && window()->isActiveWindow(); });
@@ -83,58 +86,33 @@ protected:
 };
 
 TEST_F(UpdateDialogsTest, EveryOutcomeIsToldAndCanBeClosed) {
-    const QString reason =
-        u"The connection to a.rather.long.host.name.example.org was closed "
-        "before the answer was complete."_s;
     const QString path = u"/home/somebody/.cache/"_s + u"deep/"_s.repeated(30) + u"veyla.deb"_s;
-    const struct {
-        UpdateOutcome outcome;
-        QString headline;
-        QString text;
-    } cases[] = {
-        {{Kind::upToDate, u"1.0"_s}, u"Veyla is up to date"_s, {}},
-        {{Kind::cannotCheck, {}, reason}, u"Veyla cannot check for updates"_s, {}},
-        {{Kind::checkFailed, {}, reason}, u"The check for updates failed"_s, {}},
-        {{Kind::checkFailed, u"1.2"_s, reason},
-         u"There is a Veyla 1.2, but it cannot be installed"_s,
-         {}},
-        {{Kind::downloadFailed, u"1.2"_s, reason}, u"Veyla 1.2 could not be downloaded"_s, {}},
-        {{Kind::badSignature, u"1.2"_s, reason}, u"Veyla 1.2 cannot be trusted"_s, {}},
-        {{Kind::cannotKeep, u"1.2"_s, reason}, u"Veyla 1.2 could not be saved"_s, {}},
-        {{Kind::handedOver, u"1.2"_s, {}, path}, u"Veyla 1.2 is ready to install"_s, path},
-        {{Kind::notOpened, u"1.2"_s, {}, path}, u"Veyla 1.2 is ready to install"_s, path},
-    };
+    const std::function<void()> ways[] = {
+        [] { press(Qt::Key_Escape); }, [] { press(Qt::Key_Return); },
+        [] { QTest::mouseClick(shown("update.close"), Qt::LeftButton); },
+        [] { window()->close(); }};
     const QFont usual = QApplication::font();
-    for (const double scale : {1.0, 1.8}) {
+    for (int turn = 0; turn < 16; ++turn) {
         QFont font = usual;
-        font.setPointSizeF(usual.pointSizeF() * scale);
+        font.setPointSizeF(usual.pointSizeF() * (turn < 8 ? 1 : 1.8));
         QApplication::setFont(font);
-        int turn = 0;
-        for (const auto& [outcome, headlineText, text] : cases) {
-            SCOPED_TRACE(headlineText.toStdString());
-            dialogs.showOutcome(outcome);
-            expectSound();
-            EXPECT_EQ(headline(), headlineText);
-            EXPECT_TRUE(shown<QLabel>("update.detail")->text().contains(outcome.reason));
-            const auto* const box = shown<QPlainTextEdit>("update.text");
-            EXPECT_EQ(box ? box->toPlainText() : QString(), text);
-            const bool hasSwitch = shown<QCheckBox>("update.automaticChecks") != nullptr;
-            EXPECT_EQ(hasSwitch, outcome.kind == Kind::upToDate);
-            switch (turn++ % 4) {
-                case 0:
-                    press(Qt::Key_Escape);
-                    break;
-                case 1:
-                    press(Qt::Key_Return);
-                    break;
-                case 2:
-                    QTest::mouseClick(shown("update.close"), Qt::LeftButton);
-                    break;
-                default:
-                    window()->close();
-            }
-            EXPECT_TRUE(isClosed());
-        }
+        const auto kind = Kind(turn % 8);
+        SCOPED_TRACE(int(kind));
+        const bool isGood = kind == Kind::handedOver || kind == Kind::notOpened;
+        const bool hasReason = kind != Kind::upToDate && !isGood;
+        const QString reason = hasReason ? u"The connection to a.rather.long.host.name.example.org "
+                                           "was closed before the answer was complete."_s
+                                         : QString();
+        dialogs.showOutcome({kind, u"1.2"_s, reason, isGood ? path : QString()});
+        expectSound();
+        EXPECT_EQ(shownVersion(), kind != Kind::cannotCheck);
+        EXPECT_TRUE(shown<QLabel>("update.detail")->text().contains(reason));
+        const auto* const box = shown<QPlainTextEdit>("update.text");
+        EXPECT_EQ(box ? box->toPlainText() : QString(), isGood ? path : QString());
+        const bool hasSwitch = shown<QCheckBox>("update.automaticChecks") != nullptr;
+        EXPECT_EQ(hasSwitch, kind == Kind::upToDate);
+        ways[turn % 4]();
+        EXPECT_TRUE(isClosed());
     }
     QApplication::setFont(usual);
 }
@@ -169,7 +147,7 @@ TEST_F(UpdateDialogsTest, OffersAreAnsweredOnceByKeysAndClicks) {
         dialogs.showOffer({u"1.2"_s, u"1.0"_s, longNotes}, true,
                           [&](UpdateChoice chosen) { choices.append(chosen); });
         expectSound();
-        EXPECT_EQ(headline(), u"Veyla 1.2 is available"_s);
+        EXPECT_TRUE(shownVersion());
         answer();
         EXPECT_TRUE(waitUntil([&] { return !choices.isEmpty(); }));
         EXPECT_EQ(choices, QList<UpdateChoice>{choice});

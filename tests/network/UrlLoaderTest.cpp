@@ -9,10 +9,9 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 using Answer = HttpServer::Answer;
-using Headers = QList<std::pair<QByteArray, QByteArray>>;
 
-Answer redirect(const QUrl& target, int status = 302) {
-    return {.status = status, .headers = {{"Location", target.toEncoded()}}};
+Answer redirect(const QUrl& target) {
+    return {.status = 302, .headers = {{"Location", target.toEncoded()}}};
 }
 
 class UrlLoaderTest : public LoaderTest {
@@ -42,18 +41,6 @@ protected:
     std::string load(const QUrl& url) { return load(UrlRequest{.url = url, .headers = {}}); }
 };
 
-TEST_F(UrlLoaderTest, EveryStatusIsAnAnswer) {
-    for (const int status : {200, 203, 304, 400, 401, 403, 404, 407, 418, 500, 503}) {
-        const QByteArray body = status == 304 ? "" : "text";
-        server.answer("/", {.status = status, .body = body});
-        EXPECT_EQ(load(server.url()), std::to_string(status) + " " + body.toStdString());
-    }
-    server.answer("/", {.status = 204, .announcedLength = -1});
-    EXPECT_EQ(load(server.url()), "204 ");
-    server.answer("/", {.body = "no length", .announcedLength = -1});
-    EXPECT_EQ(load(server.url()), "200 no length");
-}
-
 TEST_F(UrlLoaderTest, SendsWhatIsAskedForAndNothingOfTheUser) {
     server.answer("/", {.headers = {{"Set-Cookie", "who=me"}, {"Cache-Control", "max-age=999"}}});
     for (int i = 0; i < 2; ++i)
@@ -63,7 +50,8 @@ TEST_F(UrlLoaderTest, SendsWhatIsAskedForAndNothingOfTheUser) {
         EXPECT_EQ(request.method + " " + request.target, "GET /?a=b");
         EXPECT_EQ(request.headers.value("accept"), "text/x");
         EXPECT_EQ(request.headers.value("user-agent"), "Veyla");
-        EXPECT_FALSE(request.headers.contains("cookie"));
+        EXPECT_EQ(request.headers.keys().join(' '),
+                  "accept accept-encoding accept-language connection host user-agent");
     }
 }
 
@@ -149,35 +137,6 @@ TEST_F(UrlLoaderTest, StopsAtTheBodyLimit) {
     EXPECT_EQ(load(request), "200 end");
 }
 
-TEST_F(UrlLoaderTest, TellsOfBrokenConnections) {
-    server.answer("/", {.body = "half", .announcedLength = 8});
-    EXPECT_EQ(load(server.url()),
-              "The connection to 127.0.0.1 was closed before the answer was complete.");
-    server.stopListening();
-    EXPECT_EQ(load(server.url()), "Connection refused by 127.0.0.1.");
-}
-
-TEST_F(UrlLoaderTest, GivesUpAtTheTimeLimitOfTheVirtualClock) {
-    server.answer("/silent", {.isSilent = true});
-    server.answer(
-        "/slow", {.body = "begun", .announcedLength = 100, .ending = HttpServer::Ending::stayOpen});
-    for (const QString& path : {u"/silent"_s, u"/slow"_s}) {
-        const auto asked = server.requests().size();
-        QString error;
-        UrlRequest request{.url = server.url(path), .headers = {}};
-        request.timeLimit = std::chrono::seconds(15);
-        const Subscription handle = loader.load(request, [&](const UrlLoader::Result& result) {
-            error = std::get<UrlError>(result).message;
-        });
-        ASSERT_TRUE(goOnUntil([&] { return server.requests().size() > asked; }));
-        loop.advanceBy(request.timeLimit - std::chrono::milliseconds(1));
-        EXPECT_EQ(error, QString());
-        loop.advanceBy(std::chrono::milliseconds(1));
-        EXPECT_EQ(error, u"The request timed out."_s);
-        EXPECT_TRUE(waitUntil([&] { return server.connectionCount() == 0; }));
-    }
-}
-
 QSet<QString> threads() {
     const auto ids = QDir(u"/proc/self/task"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     return {ids.begin(), ids.end()};
@@ -206,20 +165,20 @@ TEST_F(UrlLoaderTest, LettingGoCancelsSilentlyAndLeavesNothing) {
     EXPECT_TRUE(waitUntil([&] { return !threads().intersects(ownThreads); }));
     EXPECT_EQ(completions, 0);
 
-    // An answer that is already there can still be cancelled, and a loader may die in a callback.
-    server.answer("/", {.body = "all"});
-    auto own = std::make_unique<QtUrlLoader>(loop);
-    Subscription other;
-    handle = own->load({.url = server.url(), .headers = {}}, [&](const auto&) {
-        ++completions;
-        own.reset();
-        other.reset();
-    });
-    other = own->load({.url = QUrl(), .headers = {}}, [&](const auto&) { ADD_FAILURE(); });
-    other.reset();
-    other = own->load({.url = server.url(), .headers = {}}, [&](const auto&) { completions += 2; });
-    ASSERT_TRUE(goOnUntil([&] { return completions > 0; }));
-    ASSERT_TRUE(goOnUntil([&] { return own == nullptr; }));
+    // A loader may die in a callback, with other requests under way.
+    server.answer("/all", {.body = "all"});
+    for (const QString& path : {u"/all"_s, u"/"_s}) {
+        auto own = std::make_unique<QtUrlLoader>(loop);
+        const auto end = [&](auto...) {
+            ++completions;
+            own.reset();
+        };
+        handle = own->load({.url = server.url(path), .headers = {}}, end, end);
+        const Subscription other = own->load({.url = server.url(), .headers = {}}, end);
+        EXPECT_TRUE(goOnUntil([&] { return own == nullptr; }));
+        loop.advanceBy(std::chrono::hours(1));
+    }
+    EXPECT_EQ(completions, 2);
 }
 
 }  // namespace

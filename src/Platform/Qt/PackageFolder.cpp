@@ -19,8 +19,9 @@ constexpr auto nameLimit = 100;
 QString packageName(const QUrl& address) {
     static const QRegularExpression unusual(u"[^A-Za-z0-9._+~-]+"_s);
     static const QRegularExpression firstCharacters(u"^[.~-]+"_s);
-    const QString name = address.fileName().replace(unusual, u"_"_s).remove(firstCharacters);
-    return name.isEmpty() ? u"veyla-update"_s : name.right(nameLimit);
+    const QString name =
+        address.fileName().replace(unusual, u"_"_s).right(nameLimit).remove(firstCharacters);
+    return name.isEmpty() ? u"veyla-update"_s : name;
 }
 
 }  // namespace

@@ -65,9 +65,10 @@ bool isNoLessSafe(const QUrl& from, const QUrl& to) {
 
 QNetworkRequest networkRequest(const UrlRequest& request) {
     QNetworkRequest result(request.url);
-    // Qt would otherwise name a browser. Compressed bodies would be counted unpacked, and the
-    // length that the server announces would not be theirs.
+    // Qt would otherwise name a browser and the user's language. Compressed bodies would be counted
+    // unpacked, and the length that the server announces would not be theirs.
     result.setRawHeader("User-Agent", "Veyla");
+    result.setRawHeader("Accept-Language", "en");
     result.setRawHeader("Accept-Encoding", "identity");
     for (const auto& [name, value] : request.headers)
         result.setRawHeader(name, value);
@@ -75,11 +76,9 @@ QNetworkRequest networkRequest(const UrlRequest& request) {
         result.setAttribute(attribute, value);
     };
     set(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
-    set(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
     set(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
     set(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
     set(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
-    result.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
     return result;
 }
 
@@ -123,6 +122,9 @@ QtUrlLoader::QtUrlLoader(Scheduler& scheduler) : m_scheduler(scheduler) {}
 QtUrlLoader::~QtUrlLoader() {
     // Taken out first: what the completions hold may let go of further requests.
     const auto transfers = std::exchange(m_transfers, {});
+    // One whose progress is being told outlives the loader, but its reply must not.
+    for (const auto& transfer : transfers)
+        transfer->letGoOfReply();
 }
 
 Subscription QtUrlLoader::load(const UrlRequest& request, Completion completion,

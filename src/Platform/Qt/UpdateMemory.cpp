@@ -14,6 +14,8 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
+// The last second of the year 9999: what lies beyond it is no time of a check.
+constexpr double latestTime = 253402300799;
 // Longer than this and it is not ours.
 constexpr qint64 fileLimit = 64 * 1024;
 
@@ -32,7 +34,7 @@ UpdateMemory::UpdateMemory(QString path) : m_path(std::move(path)) {
     const QJsonObject object = QJsonDocument::fromJson(file.read(fileLimit)).object();
     m_checksAutomatically = object.value("automaticChecks"_L1).toBool(true);
     const QJsonValue lastCheck = object.value("lastCheck"_L1);
-    if (lastCheck.isDouble())
+    if (lastCheck.toDouble(-1) >= 0 && lastCheck.toDouble() <= latestTime)
         m_lastCheck = std::chrono::sys_seconds(std::chrono::seconds(lastCheck.toInteger()));
     m_skippedVersion = object.value("skippedVersion"_L1).toString();
 }
