@@ -45,7 +45,7 @@ std::optional<ReleaseVersion> ReleaseVersion::fromText(const QString& text) {
 std::strong_ordering ReleaseVersion::operator<=>(const ReleaseVersion& other) const {
     const auto numbers = std::lexicographical_compare_three_way(
         m_numbers.begin(), m_numbers.end(), other.m_numbers.begin(), other.m_numbers.end());
-    if (numbers != 0) return numbers;
+    if (std::is_neq(numbers)) return numbers;
     // A release comes after its pre-releases.
     if (isPrerelease() != other.isPrerelease()) return other.isPrerelease() <=> isPrerelease();
     return std::lexicographical_compare_three_way(m_prerelease.begin(), m_prerelease.end(),

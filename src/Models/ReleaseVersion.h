@@ -21,7 +21,7 @@ public:
     bool isPrerelease() const { return !m_prerelease.isEmpty(); }
 
     std::strong_ordering operator<=>(const ReleaseVersion& other) const;
-    bool operator==(const ReleaseVersion& other) const { return (*this <=> other) == 0; }
+    bool operator==(const ReleaseVersion& other) const { return std::is_eq(*this <=> other); }
 
 private:
     /// A number, or a word where there are letters.

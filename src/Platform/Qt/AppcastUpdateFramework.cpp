@@ -72,7 +72,7 @@ std::optional<QString> AppcastUpdateFramework::reasonNotToStart() const {
 
 std::optional<QString> AppcastUpdateFramework::start() {
     if (m_phase != Phase::stopped) return std::nullopt;
-    if (const auto reason = reasonNotToStart()) {
+    if (auto reason = reasonNotToStart()) {
         m_whyStopped = *reason;
         return reason;
     }

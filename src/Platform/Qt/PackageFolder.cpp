@@ -43,7 +43,7 @@ QString PackageFolder::keep(const QByteArray& package, const QUrl& address, QStr
         return {};
     }
     removeFiles(u"*"_s);
-    const QString path = QDir(m_path).filePath(packageName(address));
+    QString path = QDir(m_path).filePath(packageName(address));
     // Made with mode 0600, and removed by its destructor unless it gets its name.
     QTemporaryFile file(QDir(m_path).filePath(u"XXXXXX.part"_s));
     if (!file.open() || file.write(package) != package.size() || !file.flush() ||
