@@ -426,4 +426,16 @@ TEST_F(UpdateTest, ChecksByItselfCanBeOffAndAreNotMadeWhenTheyCannotBeRemembered
     EXPECT_EQ(requestCount(), before + 1);
 }
 
+TEST_F(UpdateTest, ThisBuildKeepsItsFilesInTheFoldersOfTheUser) {
+    const QByteArray stateHome = qgetenv("XDG_STATE_HOME");
+    const auto build = AppcastUpdateFramework::Setup::ofThisBuild();
+    EXPECT_EQ(build.memoryPath, QString::fromUtf8(stateHome) + u"/Veyla/updates.json"_s);
+    EXPECT_EQ(build.packageFolder, qEnvironmentVariable("XDG_CACHE_HOME") + u"/Veyla/updates"_s);
+    EXPECT_GT(build.now(), startOfClock - std::chrono::years(5));
+    qputenv("XDG_STATE_HOME", "relative");
+    EXPECT_EQ(UpdateMemory::defaultPath(),
+              QDir::homePath() + u"/.local/state/Veyla/updates.json"_s);
+    qputenv("XDG_STATE_HOME", stateHome);
+}
+
 }  // namespace
