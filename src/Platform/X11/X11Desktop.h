@@ -3,6 +3,7 @@
 #include "Platform/MainLoop.h"
 #include "Platform/SurfaceAccessibility.h"
 #include "Platform/SystemLog.h"
+#include "Platform/X11/X11HotKeyCenter.h"
 #include "Platform/X11/X11OverlaySurfaces.h"
 #include "Platform/X11/X11Screens.h"
 #include "Platform/X11/XcbConnection.h"
@@ -23,6 +24,7 @@ public:
     XcbConnection& connection() { return *m_connection; }
     X11Screens& screens() { return m_screens; }
     X11OverlaySurfaces& overlaySurfaces() { return m_overlaySurfaces; }
+    X11HotKeyCenter& hotKeyCenter() { return m_hotKeyCenter; }
 
 private:
     X11Desktop(std::unique_ptr<XcbConnection> connection, Scheduler& scheduler, SystemLog& log,
@@ -32,4 +34,5 @@ private:
     std::unique_ptr<XcbConnection> m_connection;
     X11Screens m_screens;
     X11OverlaySurfaces m_overlaySurfaces;
+    X11HotKeyCenter m_hotKeyCenter;
 };
