@@ -6,6 +6,7 @@
 #include "Platform/X11/X11HotKeyCenter.h"
 #include "Platform/X11/X11OverlaySurfaces.h"
 #include "Platform/X11/X11Screens.h"
+#include "Platform/X11/X11WindowManagement.h"
 #include "Platform/X11/XcbConnection.h"
 
 #include <QObject>
@@ -25,6 +26,7 @@ public:
     X11Screens& screens() { return m_screens; }
     X11OverlaySurfaces& overlaySurfaces() { return m_overlaySurfaces; }
     X11HotKeyCenter& hotKeyCenter() { return m_hotKeyCenter; }
+    X11WindowManagement& windowManagement() { return m_windowManagement; }
 
 private:
     X11Desktop(std::unique_ptr<XcbConnection> connection, Scheduler& scheduler, SystemLog& log,
@@ -35,4 +37,5 @@ private:
     X11Screens m_screens;
     X11OverlaySurfaces m_overlaySurfaces;
     X11HotKeyCenter m_hotKeyCenter;
+    X11WindowManagement m_windowManagement;
 };
