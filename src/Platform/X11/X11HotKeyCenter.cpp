@@ -85,13 +85,11 @@ std::unique_ptr<HotKeyRegistration> X11HotKeyCenter::registerHotKey(
     }
     if (m_suspensions > 0) ungrab(*registration);
     m_registrations.push_back(registration.get());
-    m_connection.flush();
     return registration;
 }
 
 Subscription X11HotKeyCenter::suspendHotKeys() {
     if (m_suspensions++ == 0) ungrabAll();
-    m_connection.flush();
     return Subscription(m_lifetime.guard([this] { resume(); }));
 }
 
@@ -117,12 +115,12 @@ bool X11HotKeyCenter::grab(const Registration& registration) {
 void X11HotKeyCenter::ungrab(const Registration& registration) {
     for (const uint16_t mask : m_modifiers.withLocks(registration.mask()))
         xcb_ungrab_key(m_connection, registration.keycode, m_connection.root(), mask);
+    m_connection.flush();
 }
 
 void X11HotKeyCenter::grabAll() {
     for (const Registration* registration : m_registrations)
         if (!grab(*registration)) logRefusal(registration->binding, heldByOther);
-    m_connection.flush();
 }
 
 void X11HotKeyCenter::ungrabAll() {
@@ -131,9 +129,7 @@ void X11HotKeyCenter::ungrabAll() {
 }
 
 void X11HotKeyCenter::forget(const Registration& registration) {
-    if (std::erase(m_registrations, &registration) == 0) return;
-    ungrab(registration);
-    m_connection.flush();
+    if (std::erase(m_registrations, &registration) != 0) ungrab(registration);
 }
 
 void X11HotKeyCenter::followModifiers() {
