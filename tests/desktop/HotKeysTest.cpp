@@ -280,23 +280,29 @@ TEST_F(HotKeys, WorkWithAnotherProgramFocusedWhateverTheKeyboardIsSetTo) {
         const char* name;
         QStringList layout;
         Keycodes locks;
+        /// What the server then says of the keyboard: Caps Lock is 2, Num Lock 16, and the second
+        /// layout 8192.
+        int state;
     } rows[] = {
-        {"as it comes", {}, {}},
-        {"Caps Lock", {}, {capsLock}},
-        {"Num Lock", {}, {numLock}},
-        {"both locks", {}, {capsLock, numLock}},
-        {"French", {u"fr"_s}, {capsLock}},
-        {"Russian", {u"ru"_s}, {numLock}},
+        {"as it comes", {}, {}, 0},
+        {"Caps Lock", {}, {capsLock}, 2},
+        {"Num Lock", {}, {numLock}, 16},
+        {"both locks", {}, {capsLock, numLock}, 18},
+        {"French", {u"fr"_s}, {capsLock}, 2},
+        {"Russian", {u"ru"_s}, {numLock}, 16},
         // Scroll Lock switches to the second of the layouts.
-        {"the second of two layouts", {u"us,ru"_s, u"-option"_s, u"grp:sclk_toggle"_s}, {78}},
+        {"the second of two layouts", {u"us,ru"_s, u"-option"_s, u"grp:sclk_toggle"_s}, {78}, 8192},
     };
     setLayout({u"us"_s});
     startBehindNeighbour();
     EXPECT_EQ(registered(), QList<bool>(4, true));
-    for (const auto& [name, layout, locks] : rows) {
+    for (const auto& [name, layout, locks, state] : rows) {
         SCOPED_TRACE(name);
         if (!layout.isEmpty()) setLayout(layout);
         input.typeChord(locks);
+        const XcbPtr<xcb_query_pointer_reply_t> reply(xcb_query_pointer_reply(
+            probe.connection(), xcb_query_pointer(probe.connection(), probe.root()), nullptr));
+        ASSERT_EQ(reply->mask, state);
         expectAllWork();
         input.typeChord(locks);
     }
