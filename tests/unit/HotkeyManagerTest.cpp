@@ -98,7 +98,7 @@ TEST_F(HotkeyManagerTest, APressUnderWayGoesToTheCallbackOfThenAndDiesWithTheMan
     });
     turn();
     EXPECT_TRUE(done.isEmpty());
-    EXPECT_EQ(later, QList(2, HotkeyAction::createMask));
+    EXPECT_EQ(later, (QList{HotkeyAction::createMask, HotkeyAction::createMask}));
 
     press({h});
     manager.reset();
