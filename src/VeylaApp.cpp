@@ -1,7 +1,6 @@
 #include "VeylaApp.h"
 
 #include "App/WorkspaceLocation.h"
-#include "Platform/Headless/HeadlessHotKeyCenter.h"
 #include "Platform/Headless/HeadlessUpdateFramework.h"
 #include "Platform/Headless/HeadlessUrlLoader.h"
 #include "Platform/Headless/HeadlessWorkspace.h"
@@ -85,13 +84,12 @@ CommandResult runVeyla(InstanceLock& lock, int argc, char** argv) {
         if (!desktop) return noDisplay(error);
         AtSpiAnnouncer announcer;
         QtApplicationHost applicationHost(desktop->windowManagement());
-        HeadlessHotKeyCenter hotKeyCenter;
         HeadlessWorkspace workspace(mainLoop);
         HeadlessUrlLoader urlLoader(mainLoop);
         HeadlessUpdateFramework updateFramework;
         VeylaApp app({mainLoop, desktop->screens(), desktop->overlaySurfaces(), announcer, log,
-                      applicationHost, hotKeyCenter, workspace, urlLoader, updateFramework,
-                      workspaceDirectory()},
+                      applicationHost, desktop->hotKeyCenter(), workspace, urlLoader,
+                      updateFramework, workspaceDirectory()},
                      remoteControl);
         desktop->overlaySurfaces().releaseLeftovers();
         const Subscription connectionLost = desktop->connection().onConnectionLost([&] {

@@ -3,6 +3,7 @@
 #include "Platform/MainLoop.h"
 #include "Platform/SurfaceAccessibility.h"
 #include "Platform/SystemLog.h"
+#include "Platform/X11/X11HotKeyCenter.h"
 #include "Platform/X11/X11OverlaySurfaces.h"
 #include "Platform/X11/X11Screens.h"
 #include "Platform/X11/X11WindowManagement.h"
@@ -24,6 +25,7 @@ public:
     XcbConnection& connection() { return *m_connection; }
     X11Screens& screens() { return m_screens; }
     X11OverlaySurfaces& overlaySurfaces() { return m_overlaySurfaces; }
+    X11HotKeyCenter& hotKeyCenter() { return m_hotKeyCenter; }
     X11WindowManagement& windowManagement() { return m_windowManagement; }
 
 private:
@@ -34,5 +36,6 @@ private:
     std::unique_ptr<XcbConnection> m_connection;
     X11Screens m_screens;
     X11OverlaySurfaces m_overlaySurfaces;
+    X11HotKeyCenter m_hotKeyCenter;
     X11WindowManagement m_windowManagement;
 };
