@@ -5,6 +5,7 @@
 #include "Platform/SystemLog.h"
 #include "Platform/X11/X11OverlaySurfaces.h"
 #include "Platform/X11/X11Screens.h"
+#include "Platform/X11/X11Workspace.h"
 #include "Platform/X11/XcbConnection.h"
 
 #include <QObject>
@@ -23,6 +24,8 @@ public:
     XcbConnection& connection() { return *m_connection; }
     X11Screens& screens() { return m_screens; }
     X11OverlaySurfaces& overlaySurfaces() { return m_overlaySurfaces; }
+    /// Looks at all programs when it is first asked for.
+    X11Workspace& workspace();
 
 private:
     X11Desktop(std::unique_ptr<XcbConnection> connection, Scheduler& scheduler, SystemLog& log,
@@ -32,4 +35,6 @@ private:
     std::unique_ptr<XcbConnection> m_connection;
     X11Screens m_screens;
     X11OverlaySurfaces m_overlaySurfaces;
+    Scheduler& m_scheduler;
+    std::unique_ptr<X11Workspace> m_workspace;
 };
