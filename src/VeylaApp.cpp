@@ -1,9 +1,14 @@
 #include "VeylaApp.h"
 
 #include "App/WorkspaceLocation.h"
+#include "Platform/Headless/HeadlessHotKeyCenter.h"
+#include "Platform/Headless/HeadlessUpdateFramework.h"
+#include "Platform/Headless/HeadlessUrlLoader.h"
+#include "Platform/Headless/HeadlessWorkspace.h"
 #include "Platform/Qt/AccessibleIdentifiers.h"
 #include "Platform/Qt/AtSpiAnnouncer.h"
 #include "Platform/Qt/OverlayAccessibility.h"
+#include "Platform/Qt/QtApplicationHost.h"
 #include "Platform/Qt/QtMainLoop.h"
 #include "Platform/Qt/SessionBus.h"
 #include "Platform/Qt/StderrLog.h"
@@ -53,7 +58,7 @@ CommandResult noDisplay(const QString& reason) {
 VeylaApp::VeylaApp(const AppPlatform& platform, RemoteControlService& remoteControl)
     : m_mainLoop(platform.mainLoop),
       m_state(platform),
-      m_commands(m_state, m_dashboard, [this] { m_mainLoop.quit(0); }),
+      m_commands(m_state, [this] { m_mainLoop.quit(0); }),
       m_signalWatcher([this] { m_mainLoop.quit(0); }) {
     remoteControl.start(
         [this](const QStringList& arguments) { return m_commands.perform(arguments); });
@@ -79,7 +84,13 @@ CommandResult runVeyla(InstanceLock& lock, int argc, char** argv) {
         const auto desktop = X11Desktop::open(mainLoop, log, &accessibility, &error);
         if (!desktop) return noDisplay(error);
         AtSpiAnnouncer announcer;
+        QtApplicationHost applicationHost(desktop->windowManagement());
+        HeadlessHotKeyCenter hotKeyCenter;
+        HeadlessWorkspace workspace(mainLoop);
+        HeadlessUrlLoader urlLoader(mainLoop);
+        HeadlessUpdateFramework updateFramework;
         VeylaApp app({mainLoop, desktop->screens(), desktop->overlaySurfaces(), announcer, log,
+                      applicationHost, hotKeyCenter, workspace, urlLoader, updateFramework,
                       workspaceDirectory()},
                      remoteControl);
         desktop->overlaySurfaces().releaseLeftovers();

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "App/AppState.h"
-#include "App/DashboardWindow.h"
 #include "App/RemoteCommands.h"
 #include "Platform/Qt/InstanceLock.h"
 #include "Platform/Qt/RemoteControlService.h"
@@ -22,7 +21,6 @@ public:
 
 private:
     MainLoop& m_mainLoop;
-    NoDashboardWindow m_dashboard;
     AppState m_state;
     RemoteCommands m_commands;
     SignalWatcher m_signalWatcher;

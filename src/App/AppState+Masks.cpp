@@ -45,17 +45,21 @@ std::optional<ScreenMask> AppState::activeMask() const {
     return found == all.end() ? std::nullopt : std::optional(*found);
 }
 
-void AppState::createMask() {
+ScreenMask AppState::newMask(const QString& name) const {
     const AppSettings& defaults = settings.newest();
     ScreenMask mask;
     mask.id = QUuid::createUuid();
-    mask.name = QStringLiteral("Mask %1").arg(masks.newest().size() + 1);
+    mask.name = name;
     mask.frame = newMaskFrame(m_platform.screens);
     mask.opacity = defaults.defaultOpacity;
     mask.colorHex = defaults.defaultColorHex;
     mask.isClickThrough = defaults.defaultClickThrough;
     mask.style = defaults.defaultStyle;
+    return mask;
+}
 
+void AppState::createMask() {
+    const ScreenMask mask = newMask(QStringLiteral("Mask %1").arg(masks.newest().size() + 1));
     masks.update([&](QList<ScreenMask>& all) { all.append(mask); });
     selectedMaskID.set(mask.id);
     announce(QStringLiteral("Created ") + mask.name);
@@ -79,6 +83,14 @@ void AppState::toggleEditing() {
     const bool isEnabled = !isEditingEnabled.newest();
     isEditingEnabled.set(isEnabled);
     announce(isEnabled ? QStringLiteral("Editing unlocked") : QStringLiteral("Editing locked"));
+}
+
+void AppState::seedDemoMaskForOnboarding() {
+    if (masks.newest().isEmpty()) {
+        const ScreenMask mask = newMask(QStringLiteral("Mask 1"));
+        masks.update([&](QList<ScreenMask>& all) { all.append(mask); });
+    }
+    selectedMaskID.set(masks.newest().first().id);
 }
 
 void AppState::duplicateSelectedMask() {
@@ -116,8 +128,7 @@ void AppState::deleteSelectedMask() {
     announce(QStringLiteral("Deleted ") + name);
 }
 
-template <typename Mutate>
-void AppState::updateMask(const QUuid& maskID, Mutate mutate) {
+void AppState::updateMask(const QUuid& maskID, const std::function<void(ScreenMask&)>& mutate) {
     const auto& all = masks.newest();
     const auto index = findMask(all, maskID) - all.begin();
     if (index == all.size()) return;

@@ -7,9 +7,18 @@
 AppState::AppState(const AppPlatform& platform)
     : m_platform(platform),
       m_overlayManager(platform.mainLoop, platform.screens, platform.overlaySurfaces),
-      m_presetStore(platform.workspaceDirectory, platform.systemLog) {
+      m_hotkeyManager(platform.hotKeyCenter, platform.mainLoop),
+      m_updaterManager(platform.updateFramework),
+      m_presetStore(platform.workspaceDirectory, platform.systemLog),
+      m_changelogService(platform.urlLoader),
+      m_frontmostAppMonitor(platform.workspace, platform.mainLoop),
+      m_screenShareMonitor(platform.workspace, platform.mainLoop) {
     loadWorkspace();
     bind();
+    registerHotkeysWithCurrentBindings();
+    applyActivationPolicy();
+    evaluateHelpOnLaunch();
+    evaluateWhatsNewOnLaunch();
 }
 
 AppState::~AppState() = default;
@@ -27,7 +36,42 @@ void AppState::loadWorkspace() {
     hasCompletedOnboarding.set(snapshot->hasCompletedOnboarding);
 }
 
+// The order is part of what subscribers see: the overlays follow a change before it is saved.
 void AppState::bind() {
+    bindMonitors();
+    bindOverlays();
+
+    const auto workspaceChanged =
+        combineLatest(masks, presets, groups, selectedMaskID, areMasksVisible, isEditingEnabled,
+                      hasCompletedOnboarding, settings);
+    m_cancellables.keep(debounce(workspaceChanged, saveDelay, m_platform.mainLoop)
+                            .subscribe([this](const auto&...) { saveWorkspace(); }));
+    m_cancellables.keep(settings.subscribe([this, isFirst = true](const AppSettings&) mutable {
+        if (!std::exchange(isFirst, false)) applyActivationPolicy();
+    }));
+}
+
+void AppState::bindMonitors() {
+    MainLoop& mainLoop = m_platform.mainLoop;
+    m_cancellables.keep(
+        deliverOnNextTurn(m_frontmostAppMonitor.appName(), mainLoop)
+            .subscribe([this](const QString& name) { currentFrontmostAppName.set(name); }));
+    m_cancellables.keep(deliverOnNextTurn(m_frontmostAppMonitor.bundleIdentifier(), mainLoop)
+                            .subscribe([this](const std::optional<QString>& identifier) {
+                                currentFrontmostBundleIdentifier.set(identifier);
+                                applyMatchingAutoProfile(identifier);
+                            }));
+    m_cancellables.keep(
+        deliverOnNextTurn(m_screenShareMonitor.isLikelyScreenSharing().source(), mainLoop)
+            .subscribe([this](bool isSharing) {
+                const bool isWanted = settings.newest().autoShowMasksOnScreenShare.value_or(false);
+                if (!isSharing || !isWanted || areMasksVisible.newest()) return;
+                areMasksVisible.set(true);
+                announce(QStringLiteral("Screen sharing detected — masks shown"));
+            }));
+}
+
+void AppState::bindOverlays() {
     const auto frameChanged = m_lifetime.guard(
         [this](const QUuid& maskID, const MaskFrame& frame) { updateMaskFrame(maskID, frame); });
     const auto maskSelected =
@@ -46,12 +90,6 @@ void AppState::bind() {
         [this](const std::optional<QUuid>& maskID) { m_overlayManager.setSelectedMask(maskID); }));
     m_cancellables.keep(m_overlayManager.activeOverlayCount.subscribe(
         [this](int count) { activeOverlayCount.set(count); }));
-
-    const auto workspaceChanged =
-        combineLatest(masks, presets, groups, selectedMaskID, areMasksVisible, isEditingEnabled,
-                      hasCompletedOnboarding, settings);
-    m_cancellables.keep(debounce(workspaceChanged, saveDelay, m_platform.mainLoop)
-                            .subscribe([this](const auto&...) { saveWorkspace(); }));
 }
 
 void AppState::saveWorkspace() {

@@ -6,20 +6,33 @@
 #include "Models/MaskPreset.h"
 #include "Models/ScreenMask.h"
 #include "Platform/Announcer.h"
+#include "Platform/ApplicationHost.h"
+#include "Platform/HotKeyCenter.h"
 #include "Platform/MainLoop.h"
 #include "Platform/OverlaySurfaces.h"
 #include "Platform/Screens.h"
 #include "Platform/SystemLog.h"
+#include "Platform/UpdateFramework.h"
+#include "Platform/UrlLoader.h"
+#include "Platform/Workspace.h"
 #include "Reactive/Published.h"
 #include "Reactive/Subscription.h"
+#include "Services/ChangelogService.h"
+#include "Services/FrontmostAppMonitor.h"
+#include "Services/HotkeyManager.h"
 #include "Services/OverlayManager.h"
 #include "Services/PresetStore.h"
+#include "Services/ScreenShareMonitor.h"
+#include "Services/UpdaterManager.h"
 
 #include <QList>
 #include <QString>
 #include <QUuid>
 #include <chrono>
+#include <functional>
+#include <memory>
 #include <optional>
+#include <set>
 
 /// What the application state needs from the platform. Everything must outlive it.
 struct AppPlatform {
@@ -28,8 +41,15 @@ struct AppPlatform {
     OverlaySurfaces& overlaySurfaces;
     Announcer& announcer;
     SystemLog& systemLog;
+    ApplicationHost& applicationHost;
+    HotKeyCenter& hotKeyCenter;
+    Workspace& workspace;
+    UrlLoader& urlLoader;
+    UpdateFramework& updateFramework;
     /// The folder of the workspace document.
     QString workspaceDirectory;
+    /// The version of the build, where it has one.
+    std::optional<QString> applicationVersion = QStringLiteral(VEYLA_VERSION);
 };
 
 /// The one central object: owns the workspace in memory and performs every user operation. The
@@ -45,7 +65,13 @@ public:
     /// The size of a new mask, in points.
     static constexpr Size newMaskSize{320, 180};
 
-    /// Loads the workspace, shows its masks and starts to save changes.
+    /// How long the dashboard is on screen before the walkthrough starts.
+    static constexpr std::chrono::milliseconds onboardingDelay{400};
+    /// The window that `openWindowAction` opens as the dashboard.
+    static constexpr QLatin1StringView dashboardWindowID{"dashboard"};
+
+    /// Loads the workspace, shows its masks, starts to save changes, takes the hot keys, and
+    /// decides what to present.
     explicit AppState(const AppPlatform& platform);
     ~AppState();
     AppState(const AppState&) = delete;
@@ -111,21 +137,127 @@ public:
     /// minimum size.
     void resizeSelectedMask(double widthDelta, double heightDelta);
 
+    // Groups. A mask is in the group that its `groupID` names.
+    QList<ScreenMask> ungroupedMasks() const;
+    QList<ScreenMask> masksInGroup(const QUuid& groupID) const;
+    /// Adds a group under the name as given, and moves the selected mask into it.
+    void createGroup(const QString& name);
+    void addMaskToGroup(const QUuid& maskID, const QUuid& groupID);
+    /// Brings every mask of the group to the group's new state, as does the next.
+    void toggleGroupVisibility(const QUuid& groupID);
+    /// A locked group's masks let clicks pass through.
+    void toggleGroupLock(const QUuid& groupID);
+    void toggleGroupExpanded(const QUuid& groupID);
+    /// Trims the name; a blank one changes nothing.
+    void renameGroup(const QUuid& groupID, const QString& name);
+    /// Its masks stay, in no group.
+    void deleteGroup(const QUuid& groupID);
+
+    // Presets. List order is the user's, newest first; a larger priority wins.
+    /// Opens the sheet with fresh drafts; it ends with one of the next two.
+    void beginSavePresetFlow();
+    void cancelSavePresetFlow();
+    /// Saves all masks under the draft name. A blank name leaves the sheet open.
+    void confirmSavePreset();
     /// Replaces all masks with copies of the preset's, under new identities and in no group,
     /// selects the first and shows the masks.
     void applyPreset(const MaskPreset& preset);
+    /// Trims both texts; a blank name changes nothing, a blank trigger becomes "Manual".
+    void updatePreset(const QUuid& presetID, const QString& name, const QString& trigger);
+    /// From now on the preset is applied when the application that is in front now comes to the
+    /// front.
+    void bindPresetToCurrentApp(const QUuid& presetID);
+    void clearPresetAppBinding(const QUuid& presetID);
+    /// Moves the preset one place, and makes all priorities agree with the list, as does the next.
+    void movePresetUp(const QUuid& presetID);
+    void movePresetDown(const QUuid& presetID);
+    void deletePreset(const QUuid& presetID);
+
+    // Hot keys.
+    /// Takes the combinations of the current settings; to be called after a binding has changed.
+    void registerHotkeysWithCurrentBindings();
+    /// The first action, other than the one under that binding key, that has the same combination.
+    std::optional<HotkeyAction> hotkeyConflict(const QString& bindingKey,
+                                               const HotkeyBinding& binding) const;
+    const HotkeyManager& hotkeyManager() const { return m_hotkeyManager; }
+    /// Hot keys reach the focused window instead while the handle lives.
+    Subscription suspendHotkeys() { return m_platform.hotKeyCenter.suspendHotKeys(); }
+
+    // The dashboard window.
+    /// How a window is made that does not exist yet; the dashboard's content sets it.
+    void setOpenWindowAction(std::function<void(QLatin1StringView windowID)> action);
+    /// To be called each time the dashboard's content comes on screen. The first time decides
+    /// whether the window stays, and whether the walkthrough starts.
+    void handleDashboardWindowAppearance();
+    /// Brings the window to the front. Does nothing more than activate Veyla where there is none
+    /// and none can be made.
+    void openDashboardWindow();
+    void toggleDashboardWindow();
+    void hideDashboardWindow();
+    bool canOpenDashboardWindow() const;
+    bool isDashboardWindowVisible() const;
+
+    // Release notes and the walkthrough.
+    /// Opens the sheet, and fetches the notes unless they were fetched before.
+    void presentWhatsNew();
+    /// Results arrive in `latestChangelog` or `changelogError`.
+    void fetchLatestChangelog();
+    /// Starts the walkthrough with a mask to point at, unless it was completed or something else
+    /// is presented.
+    void startOnboardingIfNeeded();
+    /// The walkthrough was finished or left; it does not start by itself again.
+    void finishOnboarding();
+
+    UpdaterManager& updaterManager() { return m_updaterManager; }
+    const ScreenShareMonitor& screenShareMonitor() const { return m_screenShareMonitor; }
 
 private:
     void loadWorkspace();
     void bind();
+    void bindMonitors();
+    void bindOverlays();
     void saveWorkspace();
     void announce(const QString& message);
+
+    void updateMask(const QUuid& maskID, const std::function<void(ScreenMask&)>& mutate);
+    ScreenMask newMask(const QString& name) const;
     template <typename Mutate>
-    void updateMask(const QUuid& maskID, Mutate mutate);
+    bool updateGroup(const QUuid& groupID, Mutate mutate);
+    template <typename Mutate>
+    void updateMasksInGroup(const QUuid& groupID, Mutate mutate);
+    template <typename Mutate>
+    void mutatePreset(const QUuid& presetID, Mutate mutate);
+    QString suggestedPresetName(qsizetype index) const;
+    qint64 nextPresetPriority() const;
+    void movePreset(const QUuid& presetID, qsizetype offset);
+    void applyMatchingAutoProfile(const std::optional<QString>& bundleIdentifier);
+
+    void performHotkey(HotkeyAction action);
+    bool isMenuBarOnly() const;
+    void applyActivationPolicy();
+    std::shared_ptr<HostWindow> dashboardWindow() const;
+    void evaluateHelpOnLaunch();
+    void evaluateWhatsNewOnLaunch();
+    void startFetchingChangelog();
+    void seedDemoMaskForOnboarding();
 
     AppPlatform m_platform;
     OverlayManager m_overlayManager;
+    HotkeyManager m_hotkeyManager;
+    UpdaterManager m_updaterManager;
     PresetStore m_presetStore;
+    ChangelogService m_changelogService;
+    FrontmostAppMonitor m_frontmostAppMonitor;
+    ScreenShareMonitor m_screenShareMonitor;
+
+    std::optional<QUuid> m_lastAutoAppliedPresetID;
+    bool m_hasHandledInitialDashboardWindow = false;
+    mutable std::weak_ptr<HostWindow> m_cachedDashboardWindow;
+    std::function<void(QLatin1StringView)> m_openWindowAction;
+    Subscription m_onboardingStart;
+    // Those under way; each takes itself out.
+    std::set<std::shared_ptr<Subscription>> m_changelogFetches;
+
     Lifetime m_lifetime;
     SubscriptionBag m_cancellables;
 };

@@ -25,9 +25,8 @@ CommandResult alreadyRunning(std::optional<qint64> pid) {
     return doneWith(QStringLiteral("Veyla is already running%1.").arg(suffix));
 }
 
-RemoteCommands::RemoteCommands(AppState& state, DashboardWindow& dashboard,
-                               std::function<void()> quit)
-    : m_state(state), m_dashboard(dashboard), m_quit(std::move(quit)) {}
+RemoteCommands::RemoteCommands(AppState& state, std::function<void()> quit)
+    : m_state(state), m_quit(std::move(quit)) {}
 
 CommandResult RemoteCommands::perform(const QStringList& arguments) {
     const auto parsed = parseCommandLine(arguments);
@@ -73,7 +72,7 @@ CommandResult RemoteCommands::carryOut(const CommandLine& commandLine) {
 }
 
 CommandResult RemoteCommands::showDashboard() {
-    m_dashboard.show();
+    m_state.openDashboardWindow();
     return alreadyRunning(QCoreApplication::applicationPid());
 }
 
@@ -84,9 +83,9 @@ CommandResult RemoteCommands::setAreMasksVisible(bool areVisible) {
 }
 
 CommandResult RemoteCommands::toggleDashboard() {
-    if (!m_dashboard.isAvailable())
+    if (!m_state.canOpenDashboardWindow())
         return nothingToActOn(QStringLiteral("This version of Veyla has no dashboard."));
-    m_dashboard.isVisible() ? m_dashboard.hide() : m_dashboard.show();
+    m_state.toggleDashboardWindow();
     return {};
 }
 
@@ -101,9 +100,9 @@ CommandResult RemoteCommands::applyPreset(const QString& name) {
 }
 
 CommandResult RemoteCommands::reportStatus(bool isJson) const {
-    if (!isJson) return doneWith(statusText(m_state, m_dashboard));
+    if (!isJson) return doneWith(statusText(m_state));
     try {
-        const QJsonDocument document(statusJson(m_state, m_dashboard));
+        const QJsonDocument document(statusJson(m_state));
         return doneWith(QString::fromUtf8(document.toJson(QJsonDocument::Compact)));
     } catch (const JsonError& error) {
         return nothingToActOn(QStringLiteral("The status cannot be written: ") + error.message());

@@ -2,7 +2,6 @@
 
 #include "App/AppState.h"
 #include "App/CommandLine.h"
-#include "App/DashboardWindow.h"
 
 #include <QString>
 #include <QStringList>
@@ -27,7 +26,7 @@ class RemoteCommands {
 public:
     /// `quit` asks the program to end and returns before it does. The references must outlive
     /// the object.
-    RemoteCommands(AppState& state, DashboardWindow& dashboard, std::function<void()> quit);
+    RemoteCommands(AppState& state, std::function<void()> quit);
 
     /// Performs the arguments that follow the program's name. They are read again here, so that
     /// a program of another version gets an answer of this one.
@@ -42,6 +41,5 @@ private:
     CommandResult reportStatus(bool isJson) const;
 
     AppState& m_state;
-    DashboardWindow& m_dashboard;
     std::function<void()> m_quit;
 };

@@ -2,7 +2,6 @@
 
 #include "App/AppState.h"
 #include "App/CommandLine.h"
-#include "App/DashboardWindow.h"
 #include "Models/Json.h"
 
 #include <QCoreApplication>
@@ -52,6 +51,21 @@ QJsonObject frontmostJson(const AppState& state) {
                                              [](const QString& text) { return text; })}};
 }
 
+QString displayOf(HotkeyAction action, const AppState& state) {
+    const auto binding = state.settings.value().binding(hotkeyBindingKey(action));
+    return binding.value_or(HotkeyBinding{}).displayString();
+}
+
+QJsonArray hotkeysJson(const AppState& state) {
+    QJsonArray array;
+    for (const HotkeyAction action : allHotkeyActions) {
+        array.append(QJsonObject{{"action"_L1, hotkeyBindingKey(action)},
+                                 {"display"_L1, displayOf(action, state)},
+                                 {"isRegistered"_L1, state.hotkeyManager().isRegistered(action)}});
+    }
+    return array;
+}
+
 QString numberText(double number) {
     return QString::number(number, 'g', 7);
 }
@@ -85,7 +99,7 @@ QStringList alignedLines(const QList<QStringList>& rows) {
     return lines;
 }
 
-QStringList summaryLines(const AppState& state, const DashboardWindow& dashboard) {
+QStringList summaryLines(const AppState& state) {
     const auto selected = state.activeMask();
     const auto& identifier = state.currentFrontmostBundleIdentifier.value();
     const QString application = state.currentFrontmostAppName.value();
@@ -96,9 +110,9 @@ QStringList summaryLines(const AppState& state, const DashboardWindow& dashboard
         {u"Selected"_s, selected ? quotedForMessage(selected->name) : u"none"_s},
         {u"Frontmost"_s, quotedForMessage(application) +
                              (identifier ? u" "_s + quotedForMessage(*identifier) : QString())},
-        {u"Dashboard"_s, !dashboard.isAvailable() ? u"none in this version"_s
-                         : dashboard.isVisible()  ? u"shown"_s
-                                                  : u"hidden"_s},
+        {u"Screen sharing"_s,
+         state.screenShareMonitor().isLikelyScreenSharing().value() ? u"likely"_s : u"no"_s},
+        {u"Dashboard"_s, state.isDashboardWindowVisible() ? u"shown"_s : u"hidden"_s},
     });
 }
 
@@ -130,7 +144,7 @@ QStringList maskRow(const ScreenMask& mask) {
 
 }  // namespace
 
-QJsonObject statusJson(const AppState& state, const DashboardWindow& dashboard) {
+QJsonObject statusJson(const AppState& state) {
     return {
         {"version"_L1, QStringLiteral(VEYLA_VERSION)},
         {"pid"_L1, QCoreApplication::applicationPid()},
@@ -141,16 +155,18 @@ QJsonObject statusJson(const AppState& state, const DashboardWindow& dashboard) 
         {"areMasksVisible"_L1, state.areMasksVisible.value()},
         {"isEditingEnabled"_L1, state.isEditingEnabled.value()},
         {"activeOverlayCount"_L1, state.activeOverlayCount.value()},
+        {"isLikelyScreenSharing"_L1, state.screenShareMonitor().isLikelyScreenSharing().value()},
         {"frontmost"_L1, frontmostJson(state)},
-        {"dashboardVisible"_L1, dashboard.isVisible()},
+        {"dashboardVisible"_L1, state.isDashboardWindowVisible()},
+        {"hotkeys"_L1, hotkeysJson(state)},
     };
 }
 
-QString statusText(const AppState& state, const DashboardWindow& dashboard) {
+QString statusText(const AppState& state) {
     QStringList lines{u"%1 (pid %2)"_s.arg(commandLineVersion(),
                                            QString::number(QCoreApplication::applicationPid())),
                       QString()};
-    lines += summaryLines(state, dashboard);
+    lines += summaryLines(state);
     lines += section(u"Masks"_s,
                      {u"Visible"_s, u"Click-through"_s, u"Style"_s, u"Opacity"_s, u"Colour"_s,
                       u"Size"_s, u"Position"_s, u"Name"_s},
@@ -163,6 +179,12 @@ QString statusText(const AppState& state, const DashboardWindow& dashboard) {
                      [](const MaskGroup& group) -> QStringList {
                          return {yesOrNo(group.isVisible), yesOrNo(group.isLocked),
                                  quotedForMessage(group.name)};
+                     });
+    lines += section(u"Hot keys"_s, {u"Works"_s, u"Keys"_s, u"Action"_s},
+                     QList<HotkeyAction>(allHotkeyActions.begin(), allHotkeyActions.end()),
+                     [&](HotkeyAction action) -> QStringList {
+                         return {yesOrNo(state.hotkeyManager().isRegistered(action)),
+                                 displayOf(action, state), hotkeyActionTitle(action)};
                      });
     return lines.join(u'\n');
 }

@@ -4,11 +4,10 @@
 #include <QString>
 
 class AppState;
-class DashboardWindow;
 
 /// What the program is doing, for scripts. Members that have no value are null.
 /// Throws JsonError when a number of a mask is not finite.
-QJsonObject statusJson(const AppState& state, const DashboardWindow& dashboard);
+QJsonObject statusJson(const AppState& state);
 
 /// The same for people: lines of aligned columns, without the last line break.
-QString statusText(const AppState& state, const DashboardWindow& dashboard);
+QString statusText(const AppState& state);

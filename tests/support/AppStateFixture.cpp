@@ -1,5 +1,7 @@
 #include "support/AppStateFixture.h"
 
+#include "support/HeadlessPlatform.h"
+
 #include <QFile>
 
 AppStateFixture::AppStateFixture() {
@@ -13,8 +15,7 @@ AppStateFixture::AppStateFixture() {
 void AppStateFixture::restart() {
     m_state.reset();
     m_state = std::make_unique<AppState>(
-        AppPlatform{desktop().mainLoop, desktop().screens, desktop().overlaySurfaces,
-                    desktop().announcer, m_log, m_folder.filePath(QStringLiteral("Veyla"))});
+        headlessPlatform(desktop(), m_log, m_folder.filePath(QStringLiteral("Veyla"))));
 }
 
 HeadlessSurface& AppStateFixture::surface(qsizetype index) {

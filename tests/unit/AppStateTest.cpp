@@ -250,7 +250,9 @@ TEST_F(AppStateTest, RunsOnWhenTheWorkspaceCannotBeReadOrWritten) {
     restart();
     EXPECT_EQ(m_log.lines.size(), 1);
     EXPECT_TRUE(masks().isEmpty());
-    EXPECT_EQ(state().settings.value(), AppSettings::defaults());
+    AppSettings expected = AppSettings::defaults();
+    expected.lastSeenVersion = QStringLiteral(VEYLA_VERSION);
+    EXPECT_EQ(state().settings.value(), expected);
     state().createMask();
     EXPECT_EQ(state().activeOverlayCount.value(), 1);
 

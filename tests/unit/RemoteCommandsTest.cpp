@@ -1,5 +1,5 @@
 #include "App/RemoteCommands.h"
-#include "Platform/Headless/HeadlessDesktop.h"
+#include "support/HeadlessPlatform.h"
 #include "support/RecordingSystemLog.h"
 
 #include <QCoreApplication>
@@ -13,17 +13,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-class FakeDashboard final : public DashboardWindow {
-public:
-    bool isAvailable() const override { return true; }
-    bool isVisible() const override { return m_isVisible; }
-    void show() override { m_isVisible = true; }
-    void hide() override { m_isVisible = false; }
-
-private:
-    bool m_isVisible = false;
-};
 
 class RemoteCommandsTest : public testing::Test {
 protected:
@@ -52,11 +41,10 @@ protected:
     QTemporaryDir folder;
     RecordingSystemLog log;
     HeadlessDesktop desktop;
-    AppState state{{desktop.mainLoop, desktop.screens, desktop.overlaySurfaces, desktop.announcer,
-                    log, folder.path()}};
-    FakeDashboard dashboard;
+    AppState state{headlessPlatform(desktop, log, folder.path())};
+    std::shared_ptr<HeadlessWindow> dashboard = desktop.applicationHost.addWindow(u"Veyla"_s);
     int quitRequests = 0;
-    RemoteCommands commands{state, dashboard, [this] { ++quitRequests; }};
+    RemoteCommands commands{state, [this] { ++quitRequests; }};
 };
 
 TEST_F(RemoteCommandsTest, DrivesTheApplicationState) {
@@ -67,9 +55,9 @@ TEST_F(RemoteCommandsTest, DrivesTheApplicationState) {
     perform({u"toggle-editing"_s});
     EXPECT_FALSE(state.isEditingEnabled.value());
     perform({u"toggle-dashboard"_s});
-    EXPECT_TRUE(dashboard.isVisible());
+    EXPECT_TRUE(dashboard->isVisible());
     perform({u"toggle-dashboard"_s});
-    EXPECT_FALSE(dashboard.isVisible());
+    EXPECT_FALSE(dashboard->isVisible());
     EXPECT_EQ(quitRequests, 0);
     perform({u"quit"_s});
     EXPECT_EQ(quitRequests, 1);
@@ -128,9 +116,9 @@ TEST_F(RemoteCommandsTest, TellsInOneLineWhatItCannotDo) {
                              u"No preset is named \" Work\\n\"."_s}));
     EXPECT_EQ(commands.perform({u"explode"_s}).status, ExitStatus::wrongUsage);
 
-    NoDashboardWindow none;
-    RemoteCommands withoutDashboard(state, none, [] {});
-    EXPECT_EQ(withoutDashboard.perform({u"toggle-dashboard"_s}),
+    desktop.applicationHost.closeWindows();
+    dashboard.reset();
+    EXPECT_EQ(commands.perform({u"toggle-dashboard"_s}),
               (CommandResult{ExitStatus::nothingToActOn, QString(),
                              u"This version of Veyla has no dashboard."_s}));
 
@@ -145,18 +133,19 @@ TEST_F(RemoteCommandsTest, StartingAgainShowsTheDashboardAndInTheBackgroundDoesN
     const QString line =
         u"Veyla is already running (pid %1)."_s.arg(QCoreApplication::applicationPid());
     EXPECT_EQ(commands.perform({u"--background"_s}).output, line);
-    EXPECT_FALSE(dashboard.isVisible());
+    EXPECT_FALSE(dashboard->isVisible());
     const CommandResult result = commands.perform({});
     EXPECT_EQ(result, (CommandResult{ExitStatus::done, line, QString()}));
-    EXPECT_TRUE(dashboard.isVisible());
+    EXPECT_TRUE(dashboard->isVisible());
 }
 
 TEST_F(RemoteCommandsTest, StatusTellsScriptsEverything) {
     const QJsonObject empty = status();
     EXPECT_EQ(empty.keys(),
               (QStringList{u"activeOverlayCount"_s, u"areMasksVisible"_s, u"dashboardVisible"_s,
-                           u"frontmost"_s, u"groups"_s, u"isEditingEnabled"_s, u"masks"_s, u"pid"_s,
-                           u"presets"_s, u"selectedMaskID"_s, u"version"_s}));
+                           u"frontmost"_s, u"groups"_s, u"hotkeys"_s, u"isEditingEnabled"_s,
+                           u"isLikelyScreenSharing"_s, u"masks"_s, u"pid"_s, u"presets"_s,
+                           u"selectedMaskID"_s, u"version"_s}));
     EXPECT_TRUE(empty[u"selectedMaskID"].isNull());
     EXPECT_EQ(empty[u"masks"], QJsonValue(QJsonArray()));
     EXPECT_EQ(empty[u"frontmost"],
@@ -170,8 +159,12 @@ TEST_F(RemoteCommandsTest, StatusTellsScriptsEverything) {
     state.presets.set({preset(u"Work"_s, {})});
     state.selectedMaskID.set(grouped.id);
     state.toggleVisibilityForAllMasks();
-    state.currentFrontmostBundleIdentifier.set(u"org.example.App"_s);
-    dashboard.show();
+    desktop.hotKeyCenter.occupy({45, 6400});
+    state.registerHotkeysWithCurrentBindings();
+    desktop.workspace.activate({u"App"_s, u"org.example.App"_s});
+    desktop.workspace.launch({u"OBS"_s, u"com.obsproject.obs-studio"_s});
+    desktop.mainLoop.advanceBy(std::chrono::milliseconds(1));
+    state.openDashboardWindow();
 
     const QJsonObject full = status();
     EXPECT_EQ(full[u"pid"].toInteger(), QCoreApplication::applicationPid());
@@ -202,6 +195,11 @@ TEST_F(RemoteCommandsTest, StatusTellsScriptsEverything) {
     EXPECT_EQ(full[u"activeOverlayCount"], QJsonValue(0));
     EXPECT_EQ(full[u"isEditingEnabled"], QJsonValue(true));
     EXPECT_EQ(full[u"dashboardVisible"], QJsonValue(true));
+    EXPECT_EQ(full[u"isLikelyScreenSharing"], QJsonValue(true));
+    EXPECT_EQ(full[u"hotkeys"][0], QJsonValue(QJsonObject{{u"action"_s, u"createMask"_s},
+                                                          {u"display"_s, u"⌃⌥⌘N"_s},
+                                                          {u"isRegistered"_s, false}}));
+    EXPECT_EQ(full[u"hotkeys"][3][u"isRegistered"], QJsonValue(true));
     EXPECT_EQ(full[u"frontmost"][u"bundleIdentifier"], QJsonValue(u"org.example.App"_s));
 }
 
@@ -219,9 +217,13 @@ Masks (2)
 
 Presets (0)
 
-Groups (0))");
-    EXPECT_TRUE(lines.join(u'\n').endsWith(expected)) << lines.join(u'\n').toStdString();
-    EXPECT_TRUE(lines.contains(u"On screen  2"_s)) << lines.join(u'\n').toStdString();
+Groups (0)
+
+Hot keys (4)
+  Works  Keys  Action
+  yes    ⌃⌥⌘N  Create New Mask)");
+    EXPECT_TRUE(lines.join(u'\n').contains(expected)) << lines.join(u'\n').toStdString();
+    EXPECT_TRUE(lines.contains(u"On screen       2"_s)) << lines.join(u'\n').toStdString();
 }
 
 }  // namespace

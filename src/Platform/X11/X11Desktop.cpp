@@ -41,6 +41,7 @@ X11Desktop::X11Desktop(std::unique_ptr<XcbConnection> connection, Scheduler& sch
       m_screens(*m_connection, toolkitScaleFactor),
       m_overlaySurfaces(
           {*m_connection, m_screens, scheduler, log, accessibility, toolkitWindowTest()}),
+      m_windowManagement(*m_connection),
       m_scheduler(scheduler) {
     followToolkitScreens();
 }

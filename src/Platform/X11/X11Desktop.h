@@ -5,6 +5,7 @@
 #include "Platform/SystemLog.h"
 #include "Platform/X11/X11OverlaySurfaces.h"
 #include "Platform/X11/X11Screens.h"
+#include "Platform/X11/X11WindowManagement.h"
 #include "Platform/X11/X11Workspace.h"
 #include "Platform/X11/XcbConnection.h"
 
@@ -24,6 +25,7 @@ public:
     XcbConnection& connection() { return *m_connection; }
     X11Screens& screens() { return m_screens; }
     X11OverlaySurfaces& overlaySurfaces() { return m_overlaySurfaces; }
+    X11WindowManagement& windowManagement() { return m_windowManagement; }
     /// Looks at all programs when it is first asked for.
     X11Workspace& workspace();
 
@@ -35,6 +37,7 @@ private:
     std::unique_ptr<XcbConnection> m_connection;
     X11Screens m_screens;
     X11OverlaySurfaces m_overlaySurfaces;
+    X11WindowManagement m_windowManagement;
     Scheduler& m_scheduler;
     std::unique_ptr<X11Workspace> m_workspace;
 };

@@ -1,0 +1,73 @@
+#include "Platform/X11/X11WindowManagement.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+// _NET_WM_STATE and _NET_ACTIVE_WINDOW, EWMH 1.5.
+constexpr uint32_t stateRemove = 0;
+constexpr uint32_t stateAdd = 1;
+constexpr uint32_t sourceApplication = 1;
+// A window manager may refuse an application that the user did not touch last; a hot key or the
+// tray is the user's wish, as a click in a pager is.
+constexpr uint32_t sourcePager = 2;
+
+}  // namespace
+
+X11WindowManagement::X11WindowManagement(XcbConnection& connection)
+    : m_connection(connection),
+      m_wmState(intern("WM_STATE")),
+      m_netWmState(intern("_NET_WM_STATE")),
+      m_skipTaskBar(intern("_NET_WM_STATE_SKIP_TASKBAR")),
+      m_skipPager(intern("_NET_WM_STATE_SKIP_PAGER")),
+      m_activeWindow(intern("_NET_ACTIVE_WINDOW")) {}
+
+xcb_atom_t X11WindowManagement::intern(const QByteArray& name) const {
+    const auto reply =
+        xcbReply(xcb_intern_atom_reply, m_connection.get(),
+                 xcb_intern_atom(m_connection, 0, static_cast<uint16_t>(name.size()), name));
+    return reply ? reply->atom : XCB_NONE;
+}
+
+void X11WindowManagement::setIsListed(quint64 window, bool isListed) {
+    const auto target = static_cast<xcb_window_t>(window);
+    // Only the window manager may change the state of a window that it manages.
+    if (m_connection.property32(target, m_wmState).empty())
+        changeStateOfHidden(target, isListed);
+    else
+        send(target, m_netWmState,
+             {isListed ? stateRemove : stateAdd, m_skipTaskBar, m_skipPager, sourceApplication, 0});
+}
+
+void X11WindowManagement::changeStateOfHidden(xcb_window_t window, bool isListed) {
+    auto states = m_connection.property32(window, m_netWmState);
+    std::erase_if(states,
+                  [&](xcb_atom_t state) { return state == m_skipTaskBar || state == m_skipPager; });
+    if (!isListed) states.insert(states.end(), {m_skipTaskBar, m_skipPager});
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, m_netWmState, XCB_ATOM_ATOM,
+                        32, static_cast<uint32_t>(states.size()), states.data());
+    // The toolkit reads it on a connection of its own when it shows the window.
+    xcbReply(xcb_get_input_focus_reply, m_connection.get(), xcb_get_input_focus(m_connection));
+}
+
+void X11WindowManagement::activate(quint64 window) {
+    send(static_cast<xcb_window_t>(window), m_activeWindow,
+         {sourcePager, XCB_CURRENT_TIME, XCB_NONE, 0, 0});
+}
+
+void X11WindowManagement::send(xcb_window_t window, xcb_atom_t type,
+                               const std::array<uint32_t, 5>& data) {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = type;
+    std::copy(data.begin(), data.end(), message.data.data32);
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): as the protocol wants it
+    const auto* const bytes = reinterpret_cast<const char*>(&message);
+    xcb_send_event(m_connection, 0, m_connection.root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   bytes);
+    m_connection.flush();
+}

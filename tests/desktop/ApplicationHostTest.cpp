@@ -1,0 +1,111 @@
+#include "Platform/Qt/QtApplicationHost.h"
+#include "Platform/X11/X11WindowManagement.h"
+#include "support/desktop/NeighbourClient.h"
+#include "support/desktop/Wait.h"
+
+#include <QDialog>
+#include <QLabel>
+#include <QVBoxLayout>
+#include <QWindow>
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <memory>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+class ApplicationHostTest : public testing::Test {
+protected:
+    static std::unique_ptr<QWidget> makeWindow(const QString& title) {
+        auto window = std::make_unique<QWidget>();
+        window->setWindowTitle(title);
+        (new QVBoxLayout(window.get()))->addWidget(new QLabel(title));
+        return window;
+    }
+
+    bool isListed(const QWidget& window) {
+        const auto states = m_connection->property32(static_cast<xcb_window_t>(window.winId()),
+                                                     m_connection->atom("_NET_WM_STATE"));
+        return std::find(states.begin(), states.end(),
+                         m_connection->atom("_NET_WM_STATE_SKIP_TASKBAR")) == states.end();
+    }
+
+    xcb_window_t activeWindow() {
+        const auto active = m_connection->property32(m_connection->root(),
+                                                     m_connection->atom("_NET_ACTIVE_WINDOW"));
+        return active.empty() ? XCB_NONE : active.front();
+    }
+
+    bool comesToFront(const QWidget& window) {
+        return waitUntil([&] { return activeWindow() == window.winId(); });
+    }
+
+    QString m_error;
+    std::unique_ptr<XcbConnection> m_connection = XcbConnection::open(&m_error);
+    X11WindowManagement m_windowManagement{*m_connection};
+    QtApplicationHost m_host{m_windowManagement};
+};
+
+TEST_F(ApplicationHostTest, AnAccessoryHasNoEntryInTheTaskBar) {
+    const auto shown = makeWindow(u"Shown"_s);
+    shown->show();
+    ASSERT_TRUE(comesToFront(*shown));
+    EXPECT_TRUE(isListed(*shown));
+    m_host.setActivationPolicy(ActivationPolicy::accessory);
+    EXPECT_TRUE(waitUntil([&] { return !isListed(*shown); })) << "a window on screen";
+
+    const auto later = makeWindow(u"Later"_s);
+    later->show();
+    ASSERT_TRUE(waitUntil([&] { return later->windowHandle()->isExposed(); }));
+    EXPECT_FALSE(isListed(*later)) << "a window that is shown later";
+    later->hide();
+    shown->hide();
+    m_host.setActivationPolicy(ActivationPolicy::regular);
+    later->show();
+    shown->show();
+    EXPECT_TRUE(waitUntil([&] { return isListed(*later) && isListed(*shown); }));
+}
+
+TEST_F(ApplicationHostTest, AWindowComesToTheFrontFromBehindABusyProgram) {
+    const auto window = makeWindow(u"Ours"_s);
+    window->show();
+    ASSERT_TRUE(comesToFront(*window));
+    NeighbourClient neighbour;
+    const auto other = neighbour.open({.title = u"Busy"_s});
+    neighbour.requestActivation(other);
+    ASSERT_TRUE(waitUntil([&] { return activeWindow() == other; }));
+
+    const auto windows = m_host.windows();
+    ASSERT_EQ(windows.size(), 1U);
+    windows.front()->makeKeyAndOrderFront();
+    EXPECT_TRUE(comesToFront(*window));
+    windows.front()->orderOut();
+    EXPECT_FALSE(windows.front()->isVisible());
+    neighbour.requestActivation(other);
+    ASSERT_TRUE(waitUntil([&] { return activeWindow() == other; }));
+    windows.front()->makeKeyAndOrderFront();
+    EXPECT_TRUE(comesToFront(*window)) << "from being hidden";
+}
+
+TEST_F(ApplicationHostTest, WindowsAreToldApartAndLetGo) {
+    auto window = makeWindow(u"Veyla"_s);
+    const QWidget empty;
+    const QDialog dialog;
+    const auto isPanel = [&](const QString& title) {
+        for (const auto& each : m_host.windows())
+            if (each->title() == title && each->hasContentView()) return each->isPanel();
+        ADD_FAILURE() << title.toStdString();
+        return false;
+    };
+    auto panel = makeWindow(u"Panel"_s);
+    panel->setWindowFlag(Qt::Tool);
+    EXPECT_FALSE(isPanel(u"Veyla"_s));
+    EXPECT_TRUE(isPanel(u"Panel"_s));
+    EXPECT_EQ(m_host.windows().size(), 4U);
+    window.reset();
+    panel.reset();
+    EXPECT_EQ(m_host.windows().size(), 2U);
+}
+
+}  // namespace
