@@ -4,7 +4,6 @@
 #include "Platform/Headless/HeadlessHotKeyCenter.h"
 #include "Platform/Headless/HeadlessUpdateFramework.h"
 #include "Platform/Headless/HeadlessUrlLoader.h"
-#include "Platform/Headless/HeadlessWorkspace.h"
 #include "Platform/Qt/AccessibleIdentifiers.h"
 #include "Platform/Qt/AtSpiAnnouncer.h"
 #include "Platform/Qt/OverlayAccessibility.h"
@@ -86,12 +85,11 @@ CommandResult runVeyla(InstanceLock& lock, int argc, char** argv) {
         AtSpiAnnouncer announcer;
         QtApplicationHost applicationHost(desktop->windowManagement());
         HeadlessHotKeyCenter hotKeyCenter;
-        HeadlessWorkspace workspace(mainLoop);
         HeadlessUrlLoader urlLoader(mainLoop);
         HeadlessUpdateFramework updateFramework;
         VeylaApp app({mainLoop, desktop->screens(), desktop->overlaySurfaces(), announcer, log,
-                      applicationHost, hotKeyCenter, workspace, urlLoader, updateFramework,
-                      workspaceDirectory()},
+                      applicationHost, hotKeyCenter, desktop->workspace(), urlLoader,
+                      updateFramework, workspaceDirectory()},
                      remoteControl);
         desktop->overlaySurfaces().releaseLeftovers();
         const Subscription connectionLost = desktop->connection().onConnectionLost([&] {
