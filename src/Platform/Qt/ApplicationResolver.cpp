@@ -78,9 +78,12 @@ std::optional<DesktopEntry> ApplicationResolver::entryOf(const Evidence& evidenc
 
 RunningApplication ApplicationResolver::resolve(Evidence evidence) {
     auto entry = entryOf(evidence);
-    if (evidence.scope && !evidence.scope->isSandbox && entry &&
-        entry->id.compare(evidence.scope->id, Qt::CaseInsensitive) != 0)
-        evidence.scope.reset();
+    const bool wasStartedFromAnother =
+        evidence.scope && !evidence.scope->isSandbox && entry &&
+        entry->id.compare(evidence.scope->id, Qt::CaseInsensitive) != 0;
+    if (wasStartedFromAnother) evidence.scope.reset();
+    // What is in a sandbox may resemble an application outside.
+    if (evidence.scope) entry = m_entries.byId(evidence.scope->id);
 
     const QStringList scope = evidence.scope ? QStringList(evidence.scope->id) : QStringList();
     const QStringList entryIds = entry ? QStringList(entry->id) : QStringList();

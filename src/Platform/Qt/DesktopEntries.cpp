@@ -15,6 +15,8 @@ namespace {
 
 // Entries have a few hundred lines at most, translations included.
 constexpr qint64 longestFile = 1 << 20;
+// File systems may give two changes in quick succession the same time.
+constexpr qint64 coarsestClock = 2000;
 
 QDateTime changeOf(const QString& folder) {
     return QFileInfo(folder).lastModified();
@@ -56,11 +58,14 @@ std::optional<DesktopEntry> DesktopEntries::entryAt(const QHash<QString, qsizety
 // watches.
 void DesktopEntries::readIfChanged() {
     const bool isUnchanged =
-        m_hasRead && std::all_of(m_stamps.begin(), m_stamps.end(), [](const Stamp& stamp) {
-            return changeOf(stamp.first) == stamp.second;
+        m_readAt.isValid() &&
+        std::all_of(m_stamps.begin(), m_stamps.end(), [this](const Stamp& stamp) {
+            const bool isSettled =
+                !stamp.second.isValid() || stamp.second.msecsTo(m_readAt) > coarsestClock;
+            return isSettled && changeOf(stamp.first) == stamp.second;
         });
     if (isUnchanged) return;
-    m_hasRead = true;
+    m_readAt = QDateTime::currentDateTime();
     m_stamps.clear();
     m_entries.clear();
     m_byId.clear();

@@ -38,7 +38,7 @@ private:
 
     QStringList m_folders;
     QStringList m_languages;
-    bool m_hasRead = false;
+    QDateTime m_readAt;
     QList<Stamp> m_stamps;
     QList<DesktopEntry> m_entries;
     // Places in the list; negative where several entries claim the same.
