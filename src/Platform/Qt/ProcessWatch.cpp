@@ -1,27 +1,16 @@
 #include "Platform/Qt/ProcessWatch.h"
 
+#include "Platform/Qt/ProcessEnd.h"
+
 #include <QDir>
-#include <QSocketNotifier>
-#include <sys/syscall.h>
 #include <unistd.h>
 #include <utility>
 
-/// A process with the handle that tells of its end. Without one, as when the process has no more
-/// handles to spare, the end is seen by the next look at it only.
 struct ProcessWatch::Watched {
-    explicit Watched(pid_t process)
-        // The C library's own name for this call is not in all versions that Veyla builds with.
-        : handle(static_cast<int>(syscall(SYS_pidfd_open, process, 0))) {}
-    ~Watched() {
-        end.reset();
-        if (handle >= 0) close(handle);
-    }
-    Watched(const Watched&) = delete;
-    Watched& operator=(const Watched&) = delete;
+    Watched(pid_t process, std::function<void()> onEnd) : end(process, std::move(onEnd)) {}
 
-    int handle;
-    std::unique_ptr<QSocketNotifier> end;
     ProcessFacts facts;
+    ProcessEnd end;
 };
 
 ProcessWatch::ProcessWatch(Scheduler& scheduler, const QByteArray& display,
@@ -85,21 +74,11 @@ bool ProcessWatch::update(pid_t process) {
         known->second->facts = *std::move(facts);
         return hasChanged;
     }
-    auto watched = std::make_unique<Watched>(process);
-    // The handle may belong to a later process of the same number.
+    auto watched = std::make_unique<Watched>(process, [this, process] { tellIf(forget(process)); });
+    // What was read may be of an earlier process of the same number.
     facts = readProcess(process);
     if (!facts || !isWanted(*facts, process)) return false;
     watched->facts = *std::move(facts);
-    if (watched->handle >= 0) {
-        watched->end = std::make_unique<QSocketNotifier>(watched->handle, QSocketNotifier::Read);
-        QObject::connect(watched->end.get(), &QSocketNotifier::activated, [this, process] {
-            // The notifier that calls goes with what is forgotten; it must not do so yet.
-            const auto pinned = std::move(m_processes[process]);
-            pinned->end->setEnabled(false);
-            pinned->end.release()->deleteLater();
-            tellIf(forget(process));
-        });
-    }
     m_processes.emplace(process, std::move(watched));
     return true;
 }

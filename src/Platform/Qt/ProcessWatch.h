@@ -13,8 +13,6 @@
 #include <sys/types.h>
 #include <vector>
 
-class QSocketNotifier;
-
 /// Keeps an eye on those processes of the user that are of interest: finds those that run already,
 /// hears of new ones where the kernel tells, and of the end of each. Processes that were started
 /// for another display do not count. What the kernel does not tell, others may: see `look`.

@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <algorithm>
 #include <chrono>
+#include <set>
 #include <unistd.h>
 #include <utility>
 
@@ -147,16 +148,35 @@ void X11Workspace::readClientList() {
             kept.insert(window, *known);
     }
     m_applications = std::move(kept);
-    for (const ClientWindow& window : m_windows.read(unknown))
+    const auto found = m_windows.read(unknown);
+    for (const ClientWindow& window : found)
         m_applications.insert(window.id, applicationOf(window));
+    watchProcesses(found);
+}
+
+void X11Workspace::watchProcesses(const std::vector<ClientWindow>& newWindows) {
+    // The number may have been an earlier process's.
+    for (const ClientWindow& window : newWindows)
+        if (window.process) m_ends.erase(*window.process);
+    std::set<pid_t> processes;
+    for (const Application& each : std::as_const(m_applications))
+        if (each.process) processes.insert(*each.process);
+    std::erase_if(m_ends, [&](const auto& end) { return !processes.contains(end.first); });
+    for (const pid_t process : processes)
+        m_ends.try_emplace(process, process, [this] { updateRunning(); });
+}
+
+bool X11Workspace::hasEnded(const Application& application) const {
+    const auto end = application.process ? m_ends.find(*application.process) : m_ends.end();
+    return end != m_ends.end() && end->second.hasEnded();
 }
 
 QList<X11Workspace::Application> X11Workspace::currentApplications() {
     QList<Application> running;
     for (const xcb_window_t window : m_clientList) {
         const auto application = m_applications.constFind(window);
-        if (application != m_applications.cend() && !running.contains(*application))
-            running.append(*application);
+        if (application == m_applications.cend() || hasEnded(*application)) continue;
+        if (!running.contains(*application)) running.append(*application);
     }
     for (const ProcessFacts& process : m_processes.processes()) {
         const Application windowless{.process = {},

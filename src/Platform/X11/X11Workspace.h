@@ -2,6 +2,7 @@
 
 #include "Platform/Qt/ApplicationResolver.h"
 #include "Platform/Qt/BusNameWatch.h"
+#include "Platform/Qt/ProcessEnd.h"
 #include "Platform/Qt/ProcessWatch.h"
 #include "Platform/Workspace.h"
 #include "Platform/X11/ClientWindows.h"
@@ -13,10 +14,11 @@
 
 #include <QHash>
 #include <QList>
+#include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <sys/types.h>
+#include <vector>
 
 /// Applications as the window manager and /proc tell. In front is the application of the active
 /// window; a moment without one, as between two windows, does not count. Running are the
@@ -45,7 +47,11 @@ private:
         std::optional<pid_t> process;
         RunningApplication application;
 
-        bool operator==(const Application&) const = default;
+        /// The name says nothing more: programs of one identifier may call themselves differently.
+        bool operator==(const Application& other) const {
+            return process == other.process &&
+                   application.bundleIdentifier == other.application.bundleIdentifier;
+        }
     };
 
     void handleEvent(const xcb_generic_event_t& event);
@@ -56,6 +62,8 @@ private:
     void followActiveWindowAgain();
     void activate(const Application& application);
     void readClientList();
+    void watchProcesses(const std::vector<ClientWindow>& newWindows);
+    bool hasEnded(const Application& application) const;
     void updateRunning();
     /// Nothing when no window is active, or the active one is gone.
     std::optional<Application> activeApplication();
@@ -74,6 +82,8 @@ private:
     bool m_isActiveWindowInDoubt = false;
     std::vector<xcb_window_t> m_clientList;
     QHash<xcb_window_t, Application> m_applications;
+    // Of the windows in the list: a manager may go on listing a window that is gone.
+    std::map<pid_t, ProcessEnd> m_ends;
     std::optional<Application> m_frontmost;
     // The last one that was told; it stays so while nothing is in front.
     std::optional<Application> m_activated;
