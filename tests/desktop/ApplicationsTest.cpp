@@ -1,6 +1,10 @@
 #include "desktop/VeylaTest.h"
 #include "support/desktop/NeighbourProgram.h"
 
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -46,8 +50,10 @@ protected:
 
     /// A preset of one mask that bears the preset's name.
     void addPreset(const QString& name, const QString& identifier, qint64 priority = 0) {
-        ScreenMask mask{
-            .id = QUuid::createUuid(), .name = name, .frame = {100, 100, 300, 200}, .groupID = {}};
+        ScreenMask mask;
+        mask.id = QUuid::createUuid();
+        mask.name = name;
+        mask.frame = {100, 100, 300, 200};
         workspace.presets.append({.id = QUuid::createUuid(),
                                   .name = name,
                                   .trigger = {},
@@ -145,17 +151,20 @@ TEST_F(ApplicationsTest, MasksAppearWhenACapturingProgramStarts) {
     };
     hide();
     auto zoom = launch(u"zoom"_s);
+    const xcb_window_t zoomWindow = zoom->windows()[0];
     EXPECT_TRUE(isShown(true));
     EXPECT_TRUE(waitUntil([&] { return announcements().contains(m_masksShown); }));
     // Neither another capturing program nor the end of one does anything.
     hide();
-    auto recorder = launchWindowless(u"simplescreenrecorder"_s);
+    auto studio = launch(u"obs"_s);
+    EXPECT_TRUE(frontmostBecomes(u"obs"_s, u"com.obsproject.obs-studio"_s));
     zoom.reset();
+    EXPECT_TRUE(waitUntil([&] { return !probe.window(zoomWindow); }));
     EXPECT_TRUE(sharingBecomes(true));
-    recorder.reset();
+    studio.reset();
     EXPECT_TRUE(sharingBecomes(false));
     EXPECT_TRUE(isShown(false));
-    recorder = launchWindowless(u"x11vnc"_s);
+    auto recorder = launchWindowless(u"x11vnc"_s);
     EXPECT_TRUE(isShown(true));
     recorder.reset();
     EXPECT_TRUE(sharingBecomes(false));
