@@ -12,7 +12,8 @@ namespace {
 /// The running program with other applications around it.
 class ApplicationsTest : public VeylaTest {
 protected:
-    ApplicationsTest() : VeylaTest({.hasAccessibilityBus = true}) {}
+    explicit ApplicationsTest(const QStringList& serverArguments = {})
+        : VeylaTest({.server = {.extraArguments = serverArguments}, .hasAccessibilityBus = true}) {}
 
     void TearDown() override {
         VeylaTest::TearDown();
@@ -84,6 +85,11 @@ protected:
 
 private:
     std::unique_ptr<ChildProcess> m_watcher;
+};
+
+class OldServerTest : public ApplicationsTest {
+protected:
+    OldServerTest() : ApplicationsTest({u"-extension"_s, u"X-Resource"_s}) {}
 };
 
 TEST_F(ApplicationsTest, FrontmostFollowsTheFocusUnderTheNamesOfDesktopEntries) {
@@ -212,6 +218,13 @@ TEST_F(ApplicationsTest, WindowsAndProgramsMayVanishAtAnyTime) {
     desktop.changeWindowManager({u"openbox"_s});
     const auto editor = launch(u"Editor"_s);
     EXPECT_TRUE(frontmostBecomes(u"Editor"_s, u"Editor"_s));
+}
+
+TEST_F(OldServerTest, ProgramsAreBelievedAboutTheirProcess) {
+    start();
+    const auto studio = NeighbourProgram::start(desktop.environment(), desktop.home().path(),
+                                                u"obs"_s, {u"windows"_s, u"Unheard-Of"_s, u"1"_s});
+    EXPECT_TRUE(frontmostBecomes(u"Unheard-Of"_s, u"com.obsproject.obs-studio"_s));
 }
 
 }  // namespace

@@ -1,9 +1,12 @@
 #include "Platform/Qt/ProcessEvents.h"
 
+#include <algorithm>
+#include <arpa/inet.h>
 #include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <linux/cn_proc.h>
 #include <linux/connector.h>
@@ -18,17 +21,19 @@ namespace {
 
 constexpr std::chrono::milliseconds shortestPause{100};
 
+// What an event is about. The names of these numbers moved between versions of the kernel's header.
+constexpr std::uint32_t answerToRequest = 0;
+constexpr std::uint32_t startOfProgram = 2;
+
 constexpr std::size_t contentOffset = NLMSG_LENGTH(0) + sizeof(cn_msg);
 constexpr std::size_t kindOffset = contentOffset + offsetof(proc_event, what);
 
 // Of all that the kernel tells of processes, most is about threads and ends: the socket itself
 // leaves that out, so that it wakes nobody. Numbers are read in network order.
 bool keepOnlyStarts(int socket) {
-    constexpr auto execution =
-        static_cast<std::uint32_t>(__builtin_bswap32(proc_event::PROC_EVENT_EXEC));
     std::array<sock_filter, 4> program{{
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, kindOffset),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, execution, 0, 1),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, htonl(startOfProgram), 0, 1),
         BPF_STMT(BPF_RET | BPF_K, 0xffffffff),
         BPF_STMT(BPF_RET | BPF_K, 0),
     }};
@@ -72,6 +77,10 @@ std::optional<proc_event> eventIn(const Message& message, ssize_t length,
     return event;
 }
 
+std::uint32_t kindOf(const proc_event& event) {
+    return static_cast<std::uint32_t>(event.what);
+}
+
 ssize_t receive(int socket, Message& message, sockaddr_nl& sender) {
     socklen_t size = sizeof sender;
     return recvfrom(socket, message.data(), message.size(), MSG_DONTWAIT,
@@ -84,8 +93,7 @@ bool isGranted(int socket) {
     sockaddr_nl sender = {};
     for (ssize_t length = 0; (length = receive(socket, message, sender)) >= 0;) {
         const auto event = eventIn(message, length, sender);
-        if (event && event->what == proc_event::PROC_EVENT_NONE)
-            return event->event_data.ack.err == 0;
+        if (event && kindOf(*event) == answerToRequest) return event->event_data.ack.err == 0;
     }
     return false;
 }
@@ -147,7 +155,7 @@ void ProcessEvents::readNow() {
         }
         if (length < 0) break;
         const auto event = eventIn(message, length, sender);
-        if (!event || event->what != proc_event::PROC_EVENT_EXEC) continue;
+        if (!event || kindOf(*event) != startOfProgram) continue;
         const pid_t process = event->event_data.exec.process_tgid;
         if (!started.contains(process)) started.append(process);
     }
