@@ -1,14 +1,14 @@
 #include "VeylaApp.h"
 
 #include "App/WorkspaceLocation.h"
-#include "Platform/Headless/HeadlessUpdateFramework.h"
-#include "Platform/Headless/HeadlessUrlLoader.h"
-#include "Platform/Headless/HeadlessWorkspace.h"
 #include "Platform/Qt/AccessibleIdentifiers.h"
+#include "Platform/Qt/AppcastUpdateFramework.h"
 #include "Platform/Qt/AtSpiAnnouncer.h"
 #include "Platform/Qt/OverlayAccessibility.h"
 #include "Platform/Qt/QtApplicationHost.h"
 #include "Platform/Qt/QtMainLoop.h"
+#include "Platform/Qt/QtUpdateDialogs.h"
+#include "Platform/Qt/QtUrlLoader.h"
 #include "Platform/Qt/SessionBus.h"
 #include "Platform/Qt/StderrLog.h"
 #include "Platform/X11/X11Desktop.h"
@@ -84,11 +84,12 @@ CommandResult runVeyla(InstanceLock& lock, int argc, char** argv) {
         if (!desktop) return noDisplay(error);
         AtSpiAnnouncer announcer;
         QtApplicationHost applicationHost(desktop->windowManagement());
-        HeadlessWorkspace workspace(mainLoop);
-        HeadlessUrlLoader urlLoader(mainLoop);
-        HeadlessUpdateFramework updateFramework;
+        QtUrlLoader urlLoader(mainLoop);
+        QtUpdateDialogs updateDialogs;
+        AppcastUpdateFramework updateFramework(urlLoader, mainLoop, updateDialogs, log,
+                                               AppcastUpdateFramework::Setup::ofThisBuild());
         VeylaApp app({mainLoop, desktop->screens(), desktop->overlaySurfaces(), announcer, log,
-                      applicationHost, desktop->hotKeyCenter(), workspace, urlLoader,
+                      applicationHost, desktop->hotKeyCenter(), desktop->workspace(), urlLoader,
                       updateFramework, workspaceDirectory()},
                      remoteControl);
         desktop->overlaySurfaces().releaseLeftovers();

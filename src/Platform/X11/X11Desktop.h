@@ -7,6 +7,7 @@
 #include "Platform/X11/X11OverlaySurfaces.h"
 #include "Platform/X11/X11Screens.h"
 #include "Platform/X11/X11WindowManagement.h"
+#include "Platform/X11/X11Workspace.h"
 #include "Platform/X11/XcbConnection.h"
 
 #include <QObject>
@@ -27,6 +28,8 @@ public:
     X11OverlaySurfaces& overlaySurfaces() { return m_overlaySurfaces; }
     X11HotKeyCenter& hotKeyCenter() { return m_hotKeyCenter; }
     X11WindowManagement& windowManagement() { return m_windowManagement; }
+    /// Looks at all programs when it is first asked for.
+    X11Workspace& workspace();
 
 private:
     X11Desktop(std::unique_ptr<XcbConnection> connection, Scheduler& scheduler, SystemLog& log,
@@ -38,4 +41,6 @@ private:
     X11OverlaySurfaces m_overlaySurfaces;
     X11HotKeyCenter m_hotKeyCenter;
     X11WindowManagement m_windowManagement;
+    Scheduler& m_scheduler;
+    std::unique_ptr<X11Workspace> m_workspace;
 };
