@@ -2,15 +2,14 @@
 
 #include "App/WorkspaceLocation.h"
 #include "ContentView.h"
-#include "Platform/Headless/HeadlessHotKeyCenter.h"
-#include "Platform/Headless/HeadlessUpdateFramework.h"
-#include "Platform/Headless/HeadlessUrlLoader.h"
-#include "Platform/Headless/HeadlessWorkspace.h"
 #include "Platform/Qt/AccessibleIdentifiers.h"
+#include "Platform/Qt/AppcastUpdateFramework.h"
 #include "Platform/Qt/AtSpiAnnouncer.h"
 #include "Platform/Qt/OverlayAccessibility.h"
 #include "Platform/Qt/QtApplicationHost.h"
 #include "Platform/Qt/QtMainLoop.h"
+#include "Platform/Qt/QtUpdateDialogs.h"
+#include "Platform/Qt/QtUrlLoader.h"
 #include "Platform/Qt/SessionBus.h"
 #include "Platform/Qt/StderrLog.h"
 #include "Platform/X11/X11Desktop.h"
@@ -98,13 +97,13 @@ CommandResult runVeyla(InstanceLock& lock, VeylaApp::Start start, int argc, char
         if (!desktop) return noDisplay(error);
         AtSpiAnnouncer announcer;
         QtApplicationHost applicationHost(desktop->windowManagement());
-        HeadlessHotKeyCenter hotKeyCenter;
-        HeadlessWorkspace workspace(mainLoop);
-        HeadlessUrlLoader urlLoader(mainLoop);
-        HeadlessUpdateFramework updateFramework;
+        QtUrlLoader urlLoader(mainLoop);
+        QtUpdateDialogs updateDialogs;
+        AppcastUpdateFramework updateFramework(urlLoader, mainLoop, updateDialogs, log,
+                                               AppcastUpdateFramework::Setup::ofThisBuild());
         VeylaApp app({mainLoop, desktop->screens(), desktop->overlaySurfaces(), announcer, log,
-                      applicationHost, hotKeyCenter, workspace, urlLoader, updateFramework,
-                      workspaceDirectory()},
+                      applicationHost, desktop->hotKeyCenter(), desktop->workspace(), urlLoader,
+                      updateFramework, workspaceDirectory()},
                      remoteControl, start);
         desktop->overlaySurfaces().releaseLeftovers();
         const Subscription connectionLost = desktop->connection().onConnectionLost([&] {

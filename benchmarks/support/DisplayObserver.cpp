@@ -14,6 +14,21 @@ xcb_window_t DisplayObserver::waitForMap() {
     return waitFor<xcb_map_notify_event_t>(XCB_MAP_NOTIFY, XCB_NONE).window;
 }
 
+void DisplayObserver::waitForMaps(int count) {
+    while (count-- > 0)
+        waitForMap();
+}
+
+DisplayObserver::Clock::duration DisplayObserver::timeUntilUnmapped(std::uint8_t keycode,
+                                                                    int count) {
+    const auto start = Clock::now();
+    xcb_test_fake_input(connection(), XCB_KEY_PRESS, keycode, XCB_CURRENT_TIME, root(), 0, 0, 0);
+    xcb_flush(connection());
+    while (count-- > 0)
+        waitFor<xcb_unmap_notify_event_t>(XCB_UNMAP_NOTIFY, XCB_NONE);
+    return Clock::now() - start;
+}
+
 DisplayObserver::Clock::duration DisplayObserver::timeUntilMoved(xcb_window_t window,
                                                                  QPoint pointer) {
     const auto start = Clock::now();

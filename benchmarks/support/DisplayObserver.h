@@ -15,6 +15,11 @@ public:
     /// Waits for the next window to be mapped and returns it. Throws std::runtime_error when none
     /// is for ten seconds.
     xcb_window_t waitForMap();
+    /// Waits until windows have been mapped that many times. Throws as above.
+    void waitForMaps(int count);
+    /// Presses a key and returns how long it takes until windows have been unmapped that many
+    /// times. Throws as above.
+    Clock::duration timeUntilUnmapped(std::uint8_t keycode, int count);
     /// Sends a motion of the pointer and returns how long it takes until the window has moved.
     /// Throws std::runtime_error when it does not within ten seconds.
     Clock::duration timeUntilMoved(xcb_window_t window, QPoint pointer);

@@ -17,11 +17,13 @@ DesktopSession::Options quietDesktop() {
     return {.windowManager = {}};
 }
 
-void storeWorkspace(DesktopSession& desktop, const QList<ScreenMask>& masks) {
+void storeWorkspace(DesktopSession& desktop, const QList<ScreenMask>& masks,
+                    const QList<MaskPreset>& presets) {
     PrintingLog log;
     PresetStore store(desktop.home().dataFolder() + QStringLiteral("/Veyla"), log);
     WorkspaceSnapshot workspace;
     workspace.masks = masks;
+    workspace.presets = presets;
     workspace.hasCompletedOnboarding = true;
     store.saveWorkspace(workspace);
 }

@@ -7,7 +7,6 @@
 #include "Drawing/SystemColors.h"
 
 #include <QImage>
-#include <QPainterPath>
 #include <cmath>
 
 namespace {
@@ -20,10 +19,10 @@ struct CacheKey {
     bool operator==(const CacheKey&) const = default;
 };
 
-ContinuousRoundedRect shapeOf(const MaskPanel& panel, const PixelCanvas& canvas, QSize ground) {
-    const int inset = canvas.pixels(panel.inset);
+ContinuousRoundedRect shapeOf(const MaskPanel& panel, double scale, QSize ground) {
+    const int inset = PixelCanvas::wholePixels(panel.inset, scale);
     return {QRectF(QPointF(0, 0), ground).adjusted(inset, inset, -inset, -inset),
-            panel.cornerRadius * canvas.scale()};
+            panel.cornerRadius * scale};
 }
 
 /// The ground for the panel: its glow alone. Kept apart from the panel, since it takes longest and
@@ -35,12 +34,12 @@ QImage drawGlow(const MaskPanel& panel, const PixelCanvas& canvas, QSize size) {
     thread_local RecentCache<CacheKey, QImage> cache(4);
     return cache.findOrMake({key, canvas.scale(), size}, [&] {
         const SoftGlow glow{paintColor(panel.glow->color), panel.glow->blurRadius * canvas.scale()};
-        return glow.around(shapeOf(panel, canvas, size).path(), size);
+        return glow.around(shapeOf(panel, canvas.scale(), size).path(), size);
     });
 }
 
 QImage drawTile(const MaskPanel& panel, const PixelCanvas& canvas, QSize size) {
-    const ContinuousRoundedRect shape = shapeOf(panel, canvas, size);
+    const ContinuousRoundedRect shape = shapeOf(panel, canvas.scale(), size);
     const QPainterPath edge = shape.path();
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
     if (panel.glow)
@@ -62,7 +61,7 @@ QImage drawTile(const MaskPanel& panel, const PixelCanvas& canvas, QSize size) {
 /// How far from the ends of an edge something may change along it.
 int borderOf(const MaskPanel& panel, const PixelCanvas& canvas) {
     const QSize unbounded(1 << 20, 1 << 20);
-    const double corner = shapeOf(panel, canvas, unbounded).cornerExtent();
+    const double corner = shapeOf(panel, canvas.scale(), unbounded).cornerExtent();
     int reach = 1;
     if (panel.glow) reach += SoftGlow{{}, panel.glow->blurRadius * canvas.scale()}.reach();
     return canvas.pixels(panel.inset) + static_cast<int>(std::ceil(corner)) + reach;
@@ -71,11 +70,15 @@ int borderOf(const MaskPanel& panel, const PixelCanvas& canvas) {
 }  // namespace
 
 void MaskPanel::paint(PixelCanvas& canvas, QSize ground) const {
-    if (shapeOf(*this, canvas, ground).rect.isEmpty()) return;
+    if (shapeOf(*this, canvas.scale(), ground).rect.isEmpty()) return;
     const QSize size = StretchTile::tileSize(ground, borderOf(*this, canvas));
     thread_local RecentCache<CacheKey, StretchTile> cache(16);
     cache
         .findOrMake({*this, canvas.scale(), size},
                     [&] { return StretchTile(drawTile(*this, canvas, size)); })
         .draw(canvas.painter(), ground);
+}
+
+QPainterPath MaskPanel::edge(QSize ground, double scale) const {
+    return shapeOf(*this, scale, ground).path();
 }

@@ -3,6 +3,7 @@
 #include "Drawing/PixelCanvas.h"
 #include "Models/Color.h"
 
+#include <QPainterPath>
 #include <optional>
 
 /// A filled panel with smoothly rounded corners, an outline inside its edge and a glow around it.
@@ -32,6 +33,9 @@ struct MaskPanel {
     /// Paints the panel on the ground that starts at the canvas's origin. What was painted last is
     /// kept for the thread, so that the same panel at another size costs little.
     void paint(PixelCanvas& canvas, QSize ground) const;
+
+    /// The outer edge of the panel on that ground, in device pixels, where a point is `scale`.
+    QPainterPath edge(QSize ground, double scale) const;
 
     bool operator==(const MaskPanel&) const = default;
 };

@@ -1,5 +1,7 @@
 #include "Drawing/SoftGlow.h"
 
+#include "Drawing/BoxBlur.h"
+
 #include <QPainter>
 #include <algorithm>
 #include <array>
@@ -8,25 +10,6 @@
 #include <vector>
 
 namespace {
-
-constexpr int passCount = 3;
-using HalfWidths = std::array<int, passCount>;
-
-/// Three box averages in a row come close to a Gaussian. A box of odd width w has the variance
-/// (w^2 - 1) / 12; the widths are the two odd numbers around the ideal one, mixed so that the
-/// variances add up to the wanted one as nearly as they can.
-HalfWidths boxHalfWidths(double deviation) {
-    const double variance = deviation * deviation;
-    const double ideal = std::sqrt(12 * variance / passCount + 1);
-    const int narrow = std::max(0, (static_cast<int>(ideal) - 1) / 2);
-    const auto boxVariance = [](int half) { return half * (half + 1) / 3.0; };
-    const double missing = variance - passCount * boxVariance(narrow);
-    const long wide = std::lround(missing / (boxVariance(narrow + 1) - boxVariance(narrow)));
-    HalfWidths halfWidths;
-    for (int pass = 0; pass < passCount; ++pass)
-        halfWidths[static_cast<std::size_t>(pass)] = pass < wide ? narrow + 1 : narrow;
-    return halfWidths;
-}
 
 /// Averages every value of a line of `count` values, `stride` apart, with its neighbours. Beyond
 /// the ends lies nothing.
@@ -48,7 +31,7 @@ struct Field {
     std::vector<float> values;
 };
 
-void blur(Field& field, const HalfWidths& halfWidths) {
+void blur(Field& field, const std::array<int, 3>& halfWidths) {
     std::vector<float> scratch(field.values.size());
     for (const int half : halfWidths) {
         for (int y = 0; y < field.height; ++y) {

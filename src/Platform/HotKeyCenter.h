@@ -36,8 +36,8 @@ public:
     virtual ~HotKeyCenter() = default;
 
     /// Calls `handler` when a registered hot key goes down, once however long it is held, while
-    /// the event is being delivered. At most one handler at a time; letting go of the handle
-    /// removes it.
+    /// the event is being delivered. At most one handler at a time: a second one takes the place of
+    /// the first. Letting go of the handle removes the handler if it is still in place.
     virtual Subscription installEventHandler(Handler handler) = 0;
 
     /// Takes a combination: a virtual key code and a modifier mask as in HotkeyBinding. Null when

@@ -3,6 +3,7 @@
 #include "Models/Geometry.h"
 
 #include <QList>
+#include <QPainterPath>
 #include <QRect>
 #include <QString>
 #include <QUuid>
@@ -29,6 +30,13 @@ public:
     virtual std::optional<QList<QRect>> paintedPixels(Size /*size*/, double /*scale*/) const {
         return std::nullopt;
     }
+
+    /// How strongly what lies below is blurred, as a standard deviation in points; 0 leaves it
+    /// sharp. A content that names its painted pixels blurs nothing.
+    virtual double backdropBlur() const { return 0; }
+    /// Where it is blurred, in the pixels of `paintedPixels`. What is painted comes to lie upon it.
+    /// Nothing below is ever sharp there: where a blurred picture cannot be had, there is black.
+    virtual QPainterPath blurredShape(Size /*size*/, double /*scale*/) const { return {}; }
 };
 
 /// What assistive technology is told of a surface.
@@ -75,6 +83,9 @@ public:
     virtual Rect frame() const = 0;
     /// Moves and resizes the surface and tells the delegate what changed, before it returns.
     virtual void setFrame(const Rect& frame) = 0;
+    /// The same for a frame that will not be changed again in answer to it: the surface may be seen
+    /// there before the batch ends and before the delegate is told.
+    virtual void setFinalFrame(const Rect& frame) { setFrame(frame); }
     /// Shows `content` from now on.
     virtual void setContent(std::shared_ptr<const SurfaceContent> content) = 0;
     virtual void setAccessibleDescription(const AccessibleDescription& description) = 0;

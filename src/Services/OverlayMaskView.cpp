@@ -32,8 +32,9 @@ constexpr double handleSymbolSize = 8;
 constexpr double handleGap = 3;
 
 constexpr double frostOpacity = 0.55;
-/// The ultra-thin material without its blur.
+/// The ultra-thin material. Its blur is strong enough for headlines to be illegible.
 constexpr double frostTint = 0.10;
+constexpr double frostBlur = 20;
 
 /// `above` painted over `below`, as one colour.
 Color over(const Color& above, const Color& below) {
@@ -60,7 +61,7 @@ int percentage(double opacity) {
 }
 
 /// The layers of the panel as one paint: everything below the outline has the same shape, so that
-/// each pixel is painted once and edges have no seam. A blur of what lies behind goes beneath it.
+/// each pixel is painted once and edges have no seam. The blur of what lies below goes beneath it.
 MaskPanel panelOf(const OverlayMaskView& view) {
     MaskPanel panel{
         .inset = stackInset, .cornerRadius = panelRadius, .fill = {}, .outline = {}, .glow = {}};
@@ -204,6 +205,16 @@ AccessibleDescription OverlayMaskView::accessibleDescription() const {
                           (isEditingEnabled ? QStringLiteral(", editing enabled")
                                             : QStringLiteral(", editing locked"));
     return {label, QStringLiteral("overlay-mask-") + uuidText(mask.id), isSelected};
+}
+
+double OverlayMaskView::backdropBlur() const {
+    return mask.style == ScreenMask::Style::frosted ? frostBlur : 0;
+}
+
+QPainterPath OverlayMaskView::blurredShape(Size size, double scale) const {
+    const QSize ground(PixelCanvas::wholePixels(size.width, scale),
+                       PixelCanvas::wholePixels(size.height, scale));
+    return panelOf(*this).edge(ground, scale);
 }
 
 void OverlayMaskView::paint(QPainter& painter, Size size) const {

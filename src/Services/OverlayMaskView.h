@@ -28,5 +28,9 @@ struct OverlayMaskView {
     /// Paints the mask into `size` points, origin top-left, on a transparent ground.
     void paint(QPainter& painter, Size size) const;
 
+    /// What lies below a frosted mask is blurred within its panel, as SurfaceContent tells.
+    double backdropBlur() const;
+    QPainterPath blurredShape(Size size, double scale) const;
+
     bool operator==(const OverlayMaskView&) const = default;
 };

@@ -12,6 +12,10 @@ class MaskContent final : public SurfaceContent {
 public:
     explicit MaskContent(OverlayMaskView view) : m_view(std::move(view)) {}
     void paint(QPainter& painter, Size size) const override { m_view.paint(painter, size); }
+    double backdropBlur() const override { return m_view.backdropBlur(); }
+    QPainterPath blurredShape(Size size, double scale) const override {
+        return m_view.blurredShape(size, scale);
+    }
 
 private:
     OverlayMaskView m_view;
@@ -105,7 +109,11 @@ std::optional<ResizeRegion> OverlayWindow::resizeRegion(Point inWindow) const {
 }
 
 SnappedFrame OverlayWindow::snappedFrame(const Rect& proposed) const {
-    const Rect visible = screenVisibleFrame(proposed);
+    return snappedFrame(proposed, visibleFrames(m_screens));
+}
+
+SnappedFrame OverlayWindow::snappedFrame(const Rect& proposed, const QList<Rect>& screens) {
+    const Rect visible = bestScreenFrame(proposed, screens).value_or(proposed);
     const SnappedAxis x = snapAxis(proposed.x, proposed.width, visible.x, visible.width);
     const SnappedAxis y = snapAxis(proposed.y, proposed.height, visible.y, visible.height);
 
@@ -167,11 +175,18 @@ void OverlayWindow::mouseExited() {
 
 void OverlayWindow::performMove(Move& move, Point pointer) {
     const Rect& start = move.startFrame;
+    const QList<Rect> screens = visibleFrames(m_screens);
     const SnappedFrame snapped =
         snappedFrame({start.x + pointer.x - move.startPointer.x,
-                      start.y + pointer.y - move.startPointer.y, start.width, start.height});
-    setFrame(snapped.frame);
-    move.guideWindow->show(snapped.guides, screenVisibleFrame(snapped.frame));
+                      start.y + pointer.y - move.startPointer.y, start.width, start.height},
+                     screens);
+    // A frame that is told is brought into its screen. One that is already there stays.
+    if (resolvedFrame(snapped.frame, screens) == snapped.frame)
+        m_surface->setFinalFrame(snapped.frame);
+    else
+        m_surface->setFrame(snapped.frame);
+    move.guideWindow->show(snapped.guides,
+                           bestScreenFrame(snapped.frame, screens).value_or(snapped.frame));
 }
 
 void OverlayWindow::performResize(const Resize& resize, Point pointer) {

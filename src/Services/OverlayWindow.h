@@ -86,6 +86,8 @@ private:
         ResizeRegion region;
     };
 
+    static SnappedFrame snappedFrame(const Rect& proposed, const QList<Rect>& screens);
+
     void surfaceDidMove() override;
     void surfaceDidResize() override;
     void mouseDown(Point inSurface, Point global) override;

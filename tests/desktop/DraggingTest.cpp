@@ -119,6 +119,24 @@ TEST_F(Dragging, JumpsToTheNextMonitorWhenTheCentreCrosses) {
     EXPECT_TRUE(isPainted(mask));
 }
 
+TEST_F(Dragging, ShowsTheMaskNowhereThatItDoesNotStay) {
+    const QUuid mask = addMask(startFrame);
+    start();
+    const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(probe.connection(), windowOf(mask)->id, XCB_CW_EVENT_MASK,
+                                 &events);
+    probe.roundTrip();
+    input.drag(middleOf(mask), middleOf(mask) - QPoint(420, 320), 60);
+    EXPECT_TRUE(comesTo(mask, {0, 130, 200, 100}));
+    int steps = 0;
+    while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(probe.connection())}) {
+        if ((event->response_type & 0x7f) != XCB_CONFIGURE_NOTIFY) continue;
+        EXPECT_GE(reinterpret_cast<const xcb_configure_notify_event_t&>(*event).x, 0);
+        ++steps;
+    }
+    EXPECT_GT(steps, 1);
+}
+
 TEST_F(Dragging, IsWrittenOnceWhenItIsOver) {
     const QUuid mask = addMask(startFrame);
     start();

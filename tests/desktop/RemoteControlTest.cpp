@@ -189,6 +189,7 @@ TEST_F(RemoteControlTest, ARunningProgramThatNoBusReachesKeepsTheWorkspace) {
     EXPECT_EQ(run({}), unreachable);
     EXPECT_EQ(run({u"quit"_s}), unreachable);
     EXPECT_EQ(run({u"--background"_s}).status, 0);
+    EXPECT_TRUE(waitUntil([&] { return !veyla->standardError().isEmpty(); }));
     veyla->sendSignal(SIGTERM);
     const Ended ended = waitFor(*veyla);
     EXPECT_EQ(ended.status, 0);

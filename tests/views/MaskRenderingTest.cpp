@@ -84,6 +84,22 @@ TEST(MaskRendering, FillsThePanelWithItsColourInEveryState) {
     }
 }
 
+TEST(MaskRendering, OfAFrostedMaskLiesOnABlurOfThePanelsShape) {
+    for (const double scale : testedScales) {
+        const OverlayMaskView frosted = makeView(Style::frosted, "", 0, {});
+        QImage shape(qRound(usual.width * scale), qRound(usual.height * scale),
+                     QImage::Format_ARGB32_Premultiplied);
+        shape.fill(Qt::transparent);
+        QPainter painter(&shape);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.fillPath(frosted.blurredShape(usual, scale), Qt::white);
+        painter.end();
+        EXPECT_EQ(shape, rendered(whiteView({}), usual, scale)) << scale;
+        EXPECT_GT(frosted.backdropBlur(), 0);
+        EXPECT_EQ(whiteView({}).backdropBlur(), 0);
+    }
+}
+
 TEST(MaskRendering, DrawsTheOutlineInsideTheEdgeWhileEditing) {
     const Color fill = black.withOpacity(0.5);
     for (const State state : states) {

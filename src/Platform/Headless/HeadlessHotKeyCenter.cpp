@@ -15,7 +15,9 @@ private:
 
 Subscription HeadlessHotKeyCenter::installEventHandler(Handler handler) {
     m_state->handler = std::move(handler);
-    return Subscription([state = m_state] { state->handler = nullptr; });
+    return Subscription([state = m_state, number = ++m_state->handlerNumber] {
+        if (number == state->handlerNumber) state->handler = nullptr;
+    });
 }
 
 std::unique_ptr<HotKeyRegistration> HeadlessHotKeyCenter::registerHotKey(

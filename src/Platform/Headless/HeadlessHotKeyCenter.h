@@ -33,6 +33,7 @@ public:
 private:
     struct State {
         Handler handler;
+        quint64 handlerNumber = 0;
         std::map<Combination, HotKeyIdentifier> registered;
         std::set<Combination> occupied;
         int suspensions = 0;

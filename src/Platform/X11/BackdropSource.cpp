@@ -86,6 +86,11 @@ void BackdropSource::setActive(bool isActive) {
     }
 }
 
+void BackdropSource::leaveOut(xcb_window_t ownWindow) {
+    if (!m_isActive) return;
+    xcb_composite_unredirect_window(m_connection, ownWindow, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+}
+
 void BackdropSource::handleEvent(const xcb_generic_event_t& event) {
     const uint8_t type = event.response_type & 0x7f;
     if (type == m_damageEvent) {
@@ -281,8 +286,10 @@ void BackdropSource::learnRootColor(const std::vector<Layer>& layers) {
 void BackdropSource::drawLayer(xcb_render_picture_t target, const QRect& rect, const Layer& layer) {
     const auto format = formatOf(layer.visual);
     if (format == XCB_NONE) return;
-    const xcb_pixmap_t pixmap = xcb_generate_id(m_connection);
-    xcb_composite_name_window_pixmap(m_connection, layer.window, pixmap);
+    const bool isOwn = m_connection.owns(layer.window);
+    const xcb_pixmap_t pixmap = isOwn ? pictureOf(layer.window) : xcb_generate_id(m_connection);
+    if (pixmap == XCB_NONE) return;
+    if (!isOwn) xcb_composite_name_window_pixmap(m_connection, layer.window, pixmap);
     {
         const Picture source(m_connection, pixmap, format);
         const QPoint position = layer.rect.topLeft() - rect.topLeft();
@@ -292,14 +299,15 @@ void BackdropSource::drawLayer(xcb_render_picture_t target, const QRect& rect, c
         xcb_xfixes_set_picture_clip_region(m_connection, target, shape,
                                            toInt16(position.x() + layer.border),
                                            toInt16(position.y() + layer.border));
-        // Without a compositor the server shows the colours of a window and ignores its alpha.
-        xcb_render_composite(m_connection, XCB_RENDER_PICT_OP_SRC, source.id(), XCB_NONE, target, 0,
-                             0, 0, 0, toInt16(position.x()), toInt16(position.y()),
+        const auto operation =
+            static_cast<uint8_t>(m_isBlending ? XCB_RENDER_PICT_OP_OVER : XCB_RENDER_PICT_OP_SRC);
+        xcb_render_composite(m_connection, operation, source.id(), XCB_NONE, target, 0, 0, 0, 0,
+                             toInt16(position.x()), toInt16(position.y()),
                              toUint16(layer.rect.width()), toUint16(layer.rect.height()));
         xcb_xfixes_set_picture_clip_region(m_connection, target, XCB_NONE, 0, 0);
         xcb_xfixes_destroy_region(m_connection, shape);
     }
-    xcb_free_pixmap(m_connection, pixmap);
+    if (!isOwn) xcb_free_pixmap(m_connection, pixmap);
 }
 
 xcb_render_pictformat_t BackdropSource::formatOf(xcb_visualid_t visual) const {

@@ -13,10 +13,10 @@
 #include <xcb/damage.h>
 #include <xcb/render.h>
 
-/// Pictures of what lies below a window, for displays where no compositor shows it. While it is
-/// active the server keeps every top-level window in a pixmap of its own, and tells when one
-/// changes. A plain colour that somebody draws on the root is seen with the next other change. All
-/// rectangles are in pixels of the root.
+/// Pictures of what lies below a window. While it is
+/// active the server keeps every top-level window of others in a pixmap of its own, and tells when
+/// one changes. A plain colour that somebody draws on the root is seen with the next other change.
+/// All rectangles are in pixels of the root.
 class BackdropSource {
 public:
     /// `connection` must outlive the source.
@@ -28,11 +28,19 @@ public:
     /// Called for each rectangle of the screen whose picture may have changed. Changes of windows
     /// of this connection are not told.
     std::function<void(const QRect& rect)> onChanged;
+    /// Asked for the picture that a window of this connection shows; XCB_NONE when it has none.
+    std::function<xcb_pixmap_t(xcb_window_t window)> pictureOf;
 
     /// Whether the server has the extensions that this takes.
     bool isAvailable() const { return m_isAvailable; }
     void setActive(bool isActive);
+    /// Whether windows are seen through their alpha, as a compositor shows them, and not opaque, as
+    /// the server does without one.
+    void setBlending(bool isBlending) { m_isBlending = isBlending; }
     bool isActive() const { return m_isActive; }
+    /// Lets the server draw a window of this connection straight to the screen, which is faster.
+    /// To be called for each while the source is active, best before the window is mapped.
+    void leaveOut(xcb_window_t ownWindow);
 
     /// The top-level windows that can be seen, bottom to top, as of now.
     struct Layer {
@@ -62,6 +70,7 @@ private:
     XcbConnection& m_connection;
     bool m_isAvailable = false;
     bool m_isActive = false;
+    bool m_isBlending = false;
     uint8_t m_damageEvent = 0;
     std::unordered_map<xcb_visualid_t, xcb_render_pictformat_t> m_formats;
     // What the root shows where it has no wallpaper, as far as it could be seen.

@@ -34,6 +34,8 @@ DesktopSpace::DesktopSpace(QList<NativeScreen> screens, QSize rootSize)
     for (const NativeScreen& screen : std::as_const(m_native))
         m_screens.append({screen.name, toGlobal(screen.frame, screen),
                           toGlobal(screen.visibleFrame, screen), screen.scaleFactor});
+    for (const ScreenInfo& screen : std::as_const(m_screens))
+        m_frames.append(screen.frame);
 }
 
 const NativeScreen& DesktopSpace::screenNear(QPoint native) const {
@@ -64,11 +66,8 @@ Rect DesktopSpace::toGlobal(const QRect& native) const {
 }
 
 qsizetype DesktopSpace::screenIndexOf(const Rect& global) const {
-    QList<Rect> frames;
-    for (const ScreenInfo& screen : m_screens)
-        frames.append(screen.frame);
-    const auto best = bestScreenFrame(global, frames);
-    return best ? frames.indexOf(*best) : 0;
+    const auto best = bestScreenFrame(global, m_frames);
+    return best ? m_frames.indexOf(*best) : 0;
 }
 
 QRect DesktopSpace::toNative(const Rect& global) const {

@@ -54,6 +54,8 @@ private:
 
     QList<NativeScreen> m_native;
     QList<ScreenInfo> m_screens;
+    // Those of the screens, in the same order.
+    QList<Rect> m_frames;
     // Where the global origin is, in the toolkit's points: left edge and bottom edge of the
     // primary screen.
     double m_originX = 0;

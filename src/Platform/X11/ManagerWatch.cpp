@@ -65,6 +65,6 @@ void ManagerWatch::handleEvent(const xcb_generic_event_t& event) {
 void ManagerWatch::finishBurst() {
     if (!std::exchange(m_hasChange, false)) return;
     const bool wasCompositing = std::exchange(m_isCompositing, readIsCompositing());
-    if (wasCompositing != m_isCompositing && onCompositingChanged) onCompositingChanged();
-    if (std::exchange(m_hasNewOwner, false) && onReplaced) onReplaced();
+    const bool hasNewOwner = std::exchange(m_hasNewOwner, false);
+    if ((hasNewOwner || wasCompositing != m_isCompositing) && onReplaced) onReplaced();
 }

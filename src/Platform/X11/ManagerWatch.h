@@ -12,11 +12,10 @@ public:
     /// `connection` must outlive the watch; a missing extension is told in the log.
     ManagerWatch(XcbConnection& connection, SystemLog& log);
 
-    /// Called after the burst of events in which a window manager or compositor took over: windows
-    /// that were mapped before may be painted below others by it, whatever their order.
+    /// Called after the burst of events in which a window manager or compositor took over, or
+    /// `isCompositing` changed. Windows that were mapped before may be painted below others by a
+    /// new one, whatever their order.
     std::function<void()> onReplaced;
-    /// Called after the burst in which `isCompositing` changed, before `onReplaced`.
-    std::function<void()> onCompositingChanged;
 
     /// Whether a compositor shows what lies below transparent pixels.
     bool isCompositing() const { return m_isCompositing; }

@@ -12,6 +12,8 @@
 namespace {
 
 constexpr uint8_t alphaDepth = 32;
+// The depth of pixels that are laid out like those with alpha.
+constexpr uint8_t colorDepth = 24;
 
 // The visual whose pixels are those of QImage::Format_ARGB32_Premultiplied.
 std::optional<xcb_visualid_t> findAlphaVisual(const xcb_screen_t& screen) {
@@ -38,11 +40,12 @@ uint16_t toUint16(int value) {
 
 }  // namespace
 
-OverlayVisual::OverlayVisual(XcbConnection& connection)
+OverlayVisual::OverlayVisual(XcbConnection& connection, Alpha alpha)
     : m_connection(connection),
       m_depth(connection.screen().root_depth),
       m_visual(connection.screen().root_visual) {
-    if (const auto alphaVisual = findAlphaVisual(connection.screen())) {
+    const auto alphaVisual = findAlphaVisual(connection.screen());
+    if (alphaVisual && (alpha == Alpha::wanted || m_depth != colorDepth)) {
         m_depth = alphaDepth;
         m_visual = *alphaVisual;
     }
@@ -81,6 +84,7 @@ NativeOverlayWindow::NativeOverlayWindow(XcbConnection& connection, const Overla
 
 NativeOverlayWindow::~NativeOverlayWindow() {
     if (m_id != XCB_NONE) xcb_destroy_window(m_connection, m_id);
+    if (m_picture != XCB_NONE) xcb_free_pixmap(m_connection, m_picture);
 }
 
 void NativeOverlayWindow::setProperties(const QString& title, const std::optional<QUuid>& maskID) {
@@ -123,8 +127,8 @@ void NativeOverlayWindow::setPicture(QSize size, const QList<Part>& parts) {
     for (const Part& part : parts)
         putImage(pixmap, part);
     xcb_change_window_attributes(m_connection, m_id, XCB_CW_BACK_PIXMAP, &pixmap);
-    // The window keeps the picture; only the name is given up.
-    xcb_free_pixmap(m_connection, pixmap);
+    const xcb_pixmap_t previous = std::exchange(m_picture, pixmap);
+    if (previous != XCB_NONE) xcb_free_pixmap(m_connection, previous);
     // A resize repaints the window by itself.
     if (size == m_rect.size()) xcb_clear_area(m_connection, 0, m_id, 0, 0, 0, 0);
 }

@@ -10,10 +10,16 @@
 #include <QUuid>
 #include <optional>
 
-/// How overlay windows store their pixels: with an alpha channel where the server has it.
+/// How overlay windows store their pixels.
 class OverlayVisual {
 public:
-    explicit OverlayVisual(XcbConnection& connection);
+    enum class Alpha {
+        /// With an alpha channel where the server has it, for a compositor to look at.
+        wanted,
+        /// As the root does, where that can be had: the server then shows a window with less work.
+        useless
+    };
+    OverlayVisual(XcbConnection& connection, Alpha alpha);
     ~OverlayVisual();
     OverlayVisual(const OverlayVisual&) = delete;
     OverlayVisual& operator=(const OverlayVisual&) = delete;
@@ -48,6 +54,8 @@ public:
     xcb_window_t id() const { return m_id; }
     const QRect& rect() const { return m_rect; }
     bool isMapped() const { return m_isMapped; }
+    /// The picture that the window shows; XCB_NONE before the first.
+    xcb_pixmap_t picture() const { return m_picture; }
 
     void setRect(const QRect& rect);
     /// Gives the window a new picture of the given size, painted part by part: each image lies at
@@ -83,5 +91,6 @@ private:
     xcb_window_t m_id;
     QRect m_rect;
     bool m_isMapped = false;
+    xcb_pixmap_t m_picture = XCB_NONE;
     uint32_t m_lastSequence = 0;
 };

@@ -41,8 +41,18 @@ X11Desktop::X11Desktop(std::unique_ptr<XcbConnection> connection, Scheduler& sch
       m_screens(*m_connection, toolkitScaleFactor),
       m_overlaySurfaces(
           {*m_connection, m_screens, scheduler, log, accessibility, toolkitWindowTest()}),
-      m_windowManagement(*m_connection) {
+      m_hotKeyCenter(*m_connection, log),
+      m_windowManagement(*m_connection),
+      m_scheduler(scheduler) {
     followToolkitScreens();
+}
+
+X11Workspace& X11Desktop::workspace() {
+    if (!m_workspace)
+        m_workspace = std::make_unique<X11Workspace>(
+            *m_connection, m_scheduler,
+            ApplicationResolver(DesktopEntries(), ApplicationIdentities::builtIn()));
+    return *m_workspace;
 }
 
 void X11Desktop::followToolkitScreens() {

@@ -3,9 +3,11 @@
 #include "Platform/MainLoop.h"
 #include "Platform/SurfaceAccessibility.h"
 #include "Platform/SystemLog.h"
+#include "Platform/X11/X11HotKeyCenter.h"
 #include "Platform/X11/X11OverlaySurfaces.h"
 #include "Platform/X11/X11Screens.h"
 #include "Platform/X11/X11WindowManagement.h"
+#include "Platform/X11/X11Workspace.h"
 #include "Platform/X11/XcbConnection.h"
 
 #include <QObject>
@@ -24,7 +26,10 @@ public:
     XcbConnection& connection() { return *m_connection; }
     X11Screens& screens() { return m_screens; }
     X11OverlaySurfaces& overlaySurfaces() { return m_overlaySurfaces; }
+    X11HotKeyCenter& hotKeyCenter() { return m_hotKeyCenter; }
     X11WindowManagement& windowManagement() { return m_windowManagement; }
+    /// Looks at all programs when it is first asked for.
+    X11Workspace& workspace();
 
 private:
     X11Desktop(std::unique_ptr<XcbConnection> connection, Scheduler& scheduler, SystemLog& log,
@@ -34,5 +39,8 @@ private:
     std::unique_ptr<XcbConnection> m_connection;
     X11Screens m_screens;
     X11OverlaySurfaces m_overlaySurfaces;
+    X11HotKeyCenter m_hotKeyCenter;
     X11WindowManagement m_windowManagement;
+    Scheduler& m_scheduler;
+    std::unique_ptr<X11Workspace> m_workspace;
 };

@@ -1,9 +1,11 @@
 #include "Platform/X11/X11OverlaySurface.h"
 
+#include "Drawing/FrostedImage.h"
 #include "Platform/X11/X11OverlaySurfaces.h"
 #include "Services/ScreenPlacement.h"
 
 #include <QPainter>
+#include <thread>
 #include <utility>
 
 X11OverlaySurface::X11OverlaySurface(X11OverlaySurfaces& owner, SurfaceDescription description,
@@ -24,6 +26,29 @@ void X11OverlaySurface::setFrame(const Rect& frame) {
     if (previous == frame) return;
     noteChange();
     tellDelegate(previous);
+}
+
+void X11OverlaySurface::setFinalFrame(const Rect& frame) {
+    const Rect previous = std::exchange(m_description.frame, frame);
+    if (previous == frame) return;
+    if (previous.size() == frame.size()) moveNow();
+    noteChange();
+    tellDelegate(previous);
+}
+
+void X11OverlaySurface::moveNow() {
+    const DesktopSpace& space = m_owner.space();
+    const QRect previous = m_window->rect();
+    const QRect rect = space.toNative(m_description.frame);
+    // What has another look there must be painted first.
+    if (rect.size() != previous.size() || space.scaleFactorAt(m_description.frame) != m_scaleFactor)
+        return;
+    m_window->setRect(rect);
+    m_owner.flush();
+    // The server tends to be woken on this processor, where it would wait for what follows here.
+    std::this_thread::yield();
+    m_owner.noteBackdropChange(previous);
+    m_owner.noteBackdropChange(rect);
 }
 
 void X11OverlaySurface::noteChange() {
@@ -123,13 +148,21 @@ QImage X11OverlaySurface::paintPart(const QRect& part, Size points,
     QImage image(part.size(), m_owner.imageFormat());
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    if (backdrop) painter.drawImage(0, 0, *backdrop);
+    if (backdrop && !m_owner.isCompositing()) painter.drawImage(0, 0, *backdrop);
     painter.setRenderHint(QPainter::Antialiasing);
+    if (isFrosted()) paintFrost(painter, points, backdrop);
     painter.translate(-part.topLeft());
     painter.scale(m_scaleFactor, m_scaleFactor);
     m_content->paint(painter, points);
     painter.end();
     return image;
+}
+
+void X11OverlaySurface::paintFrost(QPainter& painter, Size points,
+                                   const std::optional<QImage>& backdrop) const {
+    const double deviation = m_content->backdropBlur() * m_scaleFactor;
+    const QBrush glass = backdrop ? QBrush(frosted(*backdrop, deviation)) : QBrush(Qt::black);
+    painter.fillPath(m_content->blurredShape(points, m_scaleFactor), glass);
 }
 
 void X11OverlaySurface::followScreens(const QList<ScreenInfo>& oldScreens,

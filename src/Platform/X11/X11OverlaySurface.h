@@ -20,6 +20,7 @@ public:
 
     Rect frame() const override { return m_description.frame; }
     void setFrame(const Rect& frame) override;
+    void setFinalFrame(const Rect& frame) override;
     void setContent(std::shared_ptr<const SurfaceContent> content) override;
     void setAccessibleDescription(const AccessibleDescription& description) override;
     void setIgnoresMouseEvents(bool ignores) override;
@@ -37,16 +38,14 @@ public:
     /// Device pixels per point where the surface is.
     double scaleFactor() const { return m_scaleFactor; }
 
+    /// Whether it shows what lies below blurred, which no compositor does by itself.
+    bool isFrosted() const { return m_content && m_content->backdropBlur() > 0; }
+
     /// Sends to the server what differs from the wanted state, mapping and stacking excepted.
     void apply(const DesktopSpace& space);
     /// Paints what is shown again, on what lies below it now.
     void repaint() {
         if (m_isShown && m_content) paint(m_window->rect());
-    }
-    /// Lets the next `apply` paint.
-    void requirePainting() {
-        m_needsPainting = true;
-        m_needsApplying = true;
     }
     /// Takes over where the window is after the screens changed; the delegate is not told.
     void followScreens(const QList<ScreenInfo>& oldScreens, const DesktopSpace& space);
@@ -57,8 +56,10 @@ public:
 
 private:
     void noteChange();
+    void moveNow();
     void paint(const QRect& rect);
     QImage paintPart(const QRect& part, Size points, const std::optional<QImage>& backdrop) const;
+    void paintFrost(QPainter& painter, Size points, const std::optional<QImage>& backdrop) const;
     void tellDelegate(const Rect& previous);
 
     X11OverlaySurfaces& m_owner;

@@ -8,7 +8,8 @@
 X11OverlaySurfaces::X11OverlaySurfaces(const Services& services)
     : m_services(services),
       m_connection(services.connection),
-      m_visual(services.connection),
+      m_alphaVisual(services.connection, OverlayVisual::Alpha::wanted),
+      m_plainVisual(services.connection, OverlayVisual::Alpha::useless),
       m_cursors(services.connection),
       m_input(*this),
       m_knownScreens(services.screens.screens()),
@@ -16,8 +17,11 @@ X11OverlaySurfaces::X11OverlaySurfaces(const Services& services)
       m_guard(services.connection, services.scheduler, services.log, *this),
       m_backdrops(services.connection) {
     m_managers.onReplaced = [this] { remakeWindows(); };
-    m_managers.onCompositingChanged = [this] { followCompositing(); };
     m_backdrops.onChanged = [this](const QRect& rect) { noteBackdropChange(rect); };
+    m_backdrops.pictureOf = [this](xcb_window_t window) -> xcb_pixmap_t {
+        const X11OverlaySurface* const surface = surfaceOf(window);
+        return surface ? surface->window().picture() : xcb_pixmap_t{XCB_NONE};
+    };
     m_subscriptions.keep(
         m_connection.onEvent([this](const xcb_generic_event_t& event) { handleEvent(event); }));
     m_subscriptions.keep(m_connection.onBurstEnd([this] { m_input.flushMotion(); }));
@@ -36,9 +40,11 @@ std::unique_ptr<OverlaySurface> X11OverlaySurfaces::createSurface(
 
 std::unique_ptr<NativeOverlayWindow> X11OverlaySurfaces::makeWindow(
     const SurfaceDescription& description) {
-    return std::make_unique<NativeOverlayWindow>(
-        m_connection, m_visual, m_services.screens.space().toNative(description.frame),
+    auto window = std::make_unique<NativeOverlayWindow>(
+        m_connection, visual(), m_services.screens.space().toNative(description.frame),
         description.title, description.maskID);
+    m_backdrops.leaveOut(window->id());
+    return window;
 }
 
 void X11OverlaySurfaces::endBatch() {
@@ -81,7 +87,7 @@ void X11OverlaySurfaces::endGestureOf(X11OverlaySurface& surface) {
 }
 
 QImage::Format X11OverlaySurfaces::imageFormat() const {
-    return m_visual.hasAlpha() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
+    return visual().hasAlpha() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
 }
 
 void X11OverlaySurfaces::commitUnlessBatched() {
@@ -98,8 +104,8 @@ void X11OverlaySurfaces::commit() {
     if (std::exchange(m_needsOrder, false)) {
         applyOrder();
         updateCloseDownMode();
-        updateBackdrops();
     }
+    if (isChanged) updateBackdrops();
     m_layers.reset();
     // What can be seen comes first.
     m_connection.flush();
@@ -116,10 +122,12 @@ std::vector<X11OverlaySurface*> X11OverlaySurfaces::shownInOrder() const {
     std::vector<X11OverlaySurface*> shown;
     std::copy_if(m_surfaces.begin(), m_surfaces.end(), std::back_inserter(shown),
                  [](const X11OverlaySurface* surface) { return surface->isShown(); });
-    std::sort(shown.begin(), shown.end(),
-              [](const X11OverlaySurface* a, const X11OverlaySurface* b) {
-                  return a->raiseNumber() < b->raiseNumber();
-              });
+    const auto isLower = [](const X11OverlaySurface* a, const X11OverlaySurface* b) {
+        return a->raiseNumber() < b->raiseNumber();
+    };
+    // They are made in the order that they usually keep.
+    if (!std::is_sorted(shown.begin(), shown.end(), isLower))
+        std::sort(shown.begin(), shown.end(), isLower);
     return shown;
 }
 
@@ -131,9 +139,10 @@ void X11OverlaySurfaces::applyOrder() {
         stack.push_back(surface->window().id());
 
     // What went only leaves the others where they are.
-    std::erase_if(m_stack, [&](xcb_window_t window) {
-        return std::find(stack.begin(), stack.end(), window) == stack.end();
-    });
+    if (stack != m_stack)
+        std::erase_if(m_stack, [&](xcb_window_t window) {
+            return std::find(stack.begin(), stack.end(), window) == stack.end();
+        });
     const auto firstDifference =
         std::mismatch(stack.begin(), stack.end(), m_stack.begin(), m_stack.end()).first;
     for (auto i = firstDifference - stack.begin(); i < static_cast<std::ptrdiff_t>(shown.size());
@@ -205,6 +214,7 @@ void X11OverlaySurfaces::followScreens() {
 
 void X11OverlaySurfaces::remakeWindows() {
     const SurfaceBatch batch(*this);
+    updateBackdrops();
     // First, because it takes the guides, which are surfaces too, away.
     m_input.endGesture();
     std::vector<std::unique_ptr<NativeOverlayWindow>> oldWindows;

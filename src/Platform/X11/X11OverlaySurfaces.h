@@ -12,7 +12,6 @@
 #include "Platform/X11/X11Screens.h"
 #include "Platform/X11/XcbConnection.h"
 
-#include <QRegion>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -26,7 +25,8 @@
 ///
 /// Without a compositor a window hides what lies below it, whatever its alpha. Then the pictures of
 /// the surfaces are composed here on top of what lies below, again whenever that changes, but at
-/// most once a frame. A surface that has no such picture yet is shown on black.
+/// most once a frame. A surface that has no such picture yet is shown on black. So it is, with or
+/// without a compositor, with surfaces that show what lies below blurred.
 class X11OverlaySurfaces final : public OverlaySurfaces, private StackingGuard::Client {
 public:
     /// Tells whether a top-level window is another window of this program, such as a menu, which
@@ -69,9 +69,13 @@ private:
     void describe(X11OverlaySurface& surface, const AccessibleDescription& description);
     void endGestureOf(X11OverlaySurface& surface);
     std::uint64_t nextRaiseNumber() { return ++m_lastRaise; }
+    const DesktopSpace& space() const { return m_services.screens.space(); }
+    void flush() { m_connection.flush(); }
     xcb_cursor_t cursor(CursorShape shape) { return m_cursors.cursor(shape); }
     QImage::Format imageFormat() const;
-    /// What lies below a surface, to paint it on; nothing where the server shows that itself.
+    const OverlayVisual& visual() const { return isCompositing() ? m_alphaVisual : m_plainVisual; }
+    bool isCompositing() const { return m_managers.isCompositing(); }
+    /// What lies below a surface that uses it; nothing when that cannot be had.
     std::optional<QImage> backdropOf(const X11OverlaySurface& surface, const QRect& rect);
     /// Something changed there on the screen, and what is composed with it is out of date.
     void noteBackdropChange(const QRect& rect);
@@ -85,7 +89,7 @@ private:
     void handleForeignConfigure(const xcb_generic_event_t& event);
     void followScreens();
     void remakeWindows();
-    void followCompositing();
+    bool usesBackdrop(const X11OverlaySurface& surface) const;
     void updateBackdrops();
     void refreshBackdrops();
     std::unique_ptr<NativeOverlayWindow> makeWindow(const SurfaceDescription& description);
@@ -99,7 +103,8 @@ private:
 
     Services m_services;
     XcbConnection& m_connection;
-    OverlayVisual m_visual;
+    OverlayVisual m_alphaVisual;
+    OverlayVisual m_plainVisual;
     CursorTheme m_cursors;
     OverlayInput m_input;
     std::vector<X11OverlaySurface*> m_surfaces;
@@ -116,7 +121,7 @@ private:
     BackdropSource m_backdrops;
     // What lay where when this commit or refresh began.
     std::optional<std::vector<BackdropSource::Layer>> m_layers;
-    QRegion m_changedBackdrop;
+    std::vector<QRect> m_changedBackdrop;
     std::chrono::steady_clock::time_point m_lastRefresh;
     Subscription m_pendingRefresh;
     SubscriptionBag m_subscriptions;

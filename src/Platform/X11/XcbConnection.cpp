@@ -63,7 +63,7 @@ XcbConnection::~XcbConnection() {
 
 void XcbConnection::internAtoms(int screenNumber) {
     const QByteArray number = QByteArray::number(screenNumber);
-    const std::array<std::pair<QByteArray, xcb_atom_t*>, 15> names{{
+    const std::array<std::pair<QByteArray, xcb_atom_t*>, 18> names{{
         {"_VEYLA_MASK_ID", &m_atoms.veylaMaskID},
         {"UTF8_STRING", &m_atoms.utf8String},
         {"_NET_WM_NAME", &m_atoms.netWmName},
@@ -71,6 +71,9 @@ void XcbConnection::internAtoms(int screenNumber) {
         {"_NET_WM_WINDOW_TYPE", &m_atoms.netWmWindowType},
         {"_NET_WM_WINDOW_TYPE_DOCK", &m_atoms.netWmWindowTypeDock},
         {"_NET_CLIENT_LIST", &m_atoms.netClientList},
+        {"_NET_ACTIVE_WINDOW", &m_atoms.netActiveWindow},
+        {"_GTK_APPLICATION_ID", &m_atoms.gtkApplicationID},
+        {"_KDE_NET_WM_DESKTOP_FILE", &m_atoms.kdeDesktopFile},
         {"_NET_WORKAREA", &m_atoms.netWorkarea},
         {"_NET_CURRENT_DESKTOP", &m_atoms.netCurrentDesktop},
         {"_NET_WM_STRUT", &m_atoms.netWmStrut},
@@ -168,8 +171,11 @@ std::vector<uint32_t> XcbConnection::takeProperty32(xcb_get_property_cookie_t re
 }
 
 QByteArray XcbConnection::property8(xcb_window_t window, xcb_atom_t property) const {
-    const auto reply =
-        xcbReply(xcb_get_property_reply, m_connection, requestProperty(window, property));
+    return takeProperty8(requestProperty(window, property));
+}
+
+QByteArray XcbConnection::takeProperty8(xcb_get_property_cookie_t request) const {
+    const auto reply = xcbReply(xcb_get_property_reply, m_connection, request);
     if (!reply || reply->format != 8) return {};
     return {static_cast<const char*>(xcb_get_property_value(reply.get())),
             xcb_get_property_value_length(reply.get())};

@@ -24,6 +24,9 @@ struct X11Atoms {
     xcb_atom_t netWmWindowType = XCB_NONE;
     xcb_atom_t netWmWindowTypeDock = XCB_NONE;
     xcb_atom_t netClientList = XCB_NONE;
+    xcb_atom_t netActiveWindow = XCB_NONE;
+    xcb_atom_t gtkApplicationID = XCB_NONE;
+    xcb_atom_t kdeDesktopFile = XCB_NONE;
     xcb_atom_t netWorkarea = XCB_NONE;
     xcb_atom_t netCurrentDesktop = XCB_NONE;
     xcb_atom_t netWmStrut = XCB_NONE;
@@ -76,6 +79,8 @@ public:
     /// The values of a property of 32-bit items that was asked for, as below. To be called once for
     /// each request.
     std::vector<uint32_t> takeProperty32(xcb_get_property_cookie_t request) const;
+    /// The bytes of a property of 8-bit items that was asked for, likewise.
+    QByteArray takeProperty8(xcb_get_property_cookie_t request) const;
     /// The values of a property of 32-bit items; empty when it is absent or of another format.
     std::vector<uint32_t> property32(xcb_window_t window, xcb_atom_t property) const;
     /// The bytes of a property of 8-bit items; empty when it is absent or of another format.

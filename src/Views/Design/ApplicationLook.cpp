@@ -60,5 +60,5 @@ QString styleSheet() {
 void applyVeylaLook(QApplication& application) {
     QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
     QApplication::setPalette(darkPalette());
-    if (!qEnvironmentVariableIsSet("NOSS")) application.setStyleSheet(styleSheet());
+    application.setStyleSheet(styleSheet());
 }

@@ -2,6 +2,7 @@
 
 #include "support/desktop/Wait.h"
 
+#include <QSysInfo>
 #include <algorithm>
 #include <unistd.h>
 
@@ -157,6 +158,10 @@ void NeighbourClient::describe(xcb_window_t window, const WindowOptions& options
     xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS,
                         XCB_ATOM_STRING, 8, number(static_cast<int>(both.size())), both.data());
     setNumbers(window, QStringLiteral("_NET_WM_PID"), cardinal, {number(getpid())});
+    const QByteArray machine = QSysInfo::machineHostName().toUtf8();
+    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLIENT_MACHINE,
+                        XCB_ATOM_STRING, 8, number(static_cast<int>(machine.size())),
+                        machine.data());
     if (!options.hasDecorations) {
         setNumbers(window, QStringLiteral("_MOTIF_WM_HINTS"), QStringLiteral("_MOTIF_WM_HINTS"),
                    {2, 0, 0, 0, 0});

@@ -45,6 +45,8 @@ public:
     /// everything from there to the edge.
     xcb_window_t openDock(const QRect& frame, Edge edge);
 
+    /// Also of another program's window.
+    bool isViewable(xcb_window_t window) const;
     void raise(xcb_window_t window);
     void lower(xcb_window_t window);
     void move(xcb_window_t window, const QRect& frame);
@@ -70,5 +72,4 @@ private:
     void sendToManager(xcb_window_t window, const QString& type,
                        const std::vector<std::uint32_t>& values);
     void describe(xcb_window_t window, const WindowOptions& options);
-    bool isViewable(xcb_window_t window) const;
 };

@@ -20,6 +20,10 @@ public:
     Screens& screens() override { return m_desktop->screens(); }
     OverlaySurfaces& surfaces() override { return m_desktop->overlaySurfaces(); }
 
+    X11Desktop& desktop() { return *m_desktop; }
+    XTestInput& input() { return m_input; }
+    RecordingSystemLog& log() { return m_log; }
+
     bool waitUntil(const std::function<bool()>& condition) override;
     void settle() override;
     void movePointer(Point global) override;

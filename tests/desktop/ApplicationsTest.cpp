@@ -1,0 +1,230 @@
+#include "desktop/VeylaTest.h"
+#include "support/desktop/NeighbourProgram.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// The running program with other applications around it.
+class ApplicationsTest : public VeylaTest {
+protected:
+    explicit ApplicationsTest(const QStringList& serverArguments = {})
+        : VeylaTest({.server = {.extraArguments = serverArguments}, .hasAccessibilityBus = true}) {}
+
+    void TearDown() override {
+        VeylaTest::TearDown();
+        EXPECT_EQ(process->standardError().toStdString(), "");
+    }
+
+    std::unique_ptr<NeighbourProgram> launch(const QString& windowClass, int windowCount = 1) {
+        return std::make_unique<NeighbourProgram>(desktop.environment(), windowClass, windowCount);
+    }
+
+    /// A program called `name` without a window.
+    std::unique_ptr<ChildProcess> launchWindowless(const QString& name) {
+        return NeighbourProgram::start(desktop.environment(), desktop.home().path(), name,
+                                       {u"hidden"_s});
+    }
+
+    testing::AssertionResult frontmostBecomes(const QString& name, const QString& identifier) {
+        QJsonObject seen;
+        const QJsonObject expected{{u"name"_s, name}, {u"bundleIdentifier"_s, identifier}};
+        if (waitUntil([&] { return (seen = status()[u"frontmost"_s].toObject()) == expected; }))
+            return testing::AssertionSuccess();
+        return testing::AssertionFailure() << seen[u"name"_s].toString().toStdString();
+    }
+
+    bool sharingBecomes(bool isSharing) {
+        return waitUntil([&] { return status()[u"isLikelyScreenSharing"_s] == isSharing; });
+    }
+
+    QStringList maskNames() {
+        QStringList names;
+        for (const QJsonValue& mask : status()[u"masks"_s].toArray())
+            names << mask[u"name"_s].toString();
+        return names;
+    }
+
+    /// A preset of one mask that bears the preset's name.
+    void addPreset(const QString& name, const QString& identifier, qint64 priority = 0) {
+        ScreenMask mask;
+        mask.id = QUuid::createUuid();
+        mask.name = name;
+        mask.frame = {100, 100, 300, 200};
+        workspace.presets.append({.id = QUuid::createUuid(),
+                                  .name = name,
+                                  .trigger = {},
+                                  .masks = {mask},
+                                  .autoApply = true,
+                                  .targetAppName = name,
+                                  .targetBundleIdentifier = identifier,
+                                  .priority = priority});
+    }
+
+    void watchAnnouncements() {
+        m_watcher = std::make_unique<ChildProcess>(
+            u"/usr/bin/python3"_s,
+            QStringList{QStringLiteral(VEYLA_SOURCE_DIR "/tests/desktop/accessibility_client.py"),
+                        u"watch"_s},
+            desktop.environment());
+        ASSERT_EQ(m_watcher->waitForFirstLine(), "ready");
+    }
+
+    QStringList announcements() const {
+        return QString::fromUtf8(m_watcher->standardOutput())
+            .split(u'\n', Qt::SkipEmptyParts)
+            .filter(u"object:announcement"_s);
+    }
+
+    const QString m_masksShown =
+        u"object:announcement 2 Screen sharing detected \u2014 masks shown"_s;
+
+private:
+    std::unique_ptr<ChildProcess> m_watcher;
+};
+
+class OldServerTest : public ApplicationsTest {
+protected:
+    OldServerTest() : ApplicationsTest({u"-extension"_s, u"X-Resource"_s}) {}
+};
+
+TEST_F(ApplicationsTest, FrontmostFollowsTheFocusUnderTheNamesOfDesktopEntries) {
+    const QString folder = desktop.home().dataFolder() + u"/applications/"_s;
+    ASSERT_TRUE(QDir().mkpath(folder));
+    QFile entry(folder + u"org.example.Editor.desktop"_s);
+    ASSERT_TRUE(entry.open(QIODevice::WriteOnly));
+    entry.write(
+        "[Desktop Entry]\nType=Application\nName=Editor\nName[de]=Bearbeiter\n"
+        "StartupWMClass=editor-window\n");
+    entry.close();
+    environment.insert(u"LANG"_s, u"de_DE.UTF-8"_s);
+    const auto editor = launch(u"Editor-Window"_s, 2);
+    start();
+    EXPECT_TRUE(frontmostBecomes(u"Bearbeiter"_s, u"org.example.Editor"_s));
+    const auto mail = launch(u"Mail"_s);
+    EXPECT_TRUE(frontmostBecomes(u"Mail"_s, u"Mail"_s));
+    neighbour.requestActivation(editor->windows()[0]);
+    EXPECT_TRUE(frontmostBecomes(u"Bearbeiter"_s, u"org.example.Editor"_s));
+    const auto zoom = launch(u"zoom"_s);
+    EXPECT_TRUE(frontmostBecomes(u"zoom"_s, u"us.zoom.xos"_s));
+}
+
+TEST_F(ApplicationsTest, ABoundPresetIsAppliedOnArrivalOnly) {
+    addPreset(u"For Mail"_s, u"Mail"_s);
+    addPreset(u"Behind"_s, u"Mail"_s, -1);
+    const auto editor = launch(u"Editor"_s);
+    start();
+    ASSERT_TRUE(frontmostBecomes(u"Editor"_s, u"Editor"_s));
+    const auto mail = launch(u"Mail"_s, 2);
+    ASSERT_TRUE(frontmostBecomes(u"Mail"_s, u"Mail"_s));
+    EXPECT_TRUE(waitUntil([&] { return maskNames() == QStringList(u"For Mail"_s); }));
+
+    // What is made now is gone when the preset is applied once more.
+    run({u"create-mask"_s});
+    ASSERT_EQ(maskNames().size(), 2);
+    const auto comesToFront = [&](xcb_window_t window) {
+        neighbour.requestActivation(window);
+        return waitUntil([&] {
+            const auto active = probe.numbersOf(probe.root(), u"_NET_ACTIVE_WINDOW"_s);
+            return !active.empty() && active.front() == window;
+        });
+    };
+    for (const xcb_window_t window : {mail->windows()[0], mail->windows()[1]})
+        ASSERT_TRUE(comesToFront(window));
+    EXPECT_EQ(maskNames().size(), 2) << "the application stayed in front";
+    ASSERT_TRUE(comesToFront(editor->windows()[0]));
+    ASSERT_TRUE(frontmostBecomes(u"Editor"_s, u"Editor"_s));
+    EXPECT_EQ(maskNames().size(), 2);
+    ASSERT_TRUE(comesToFront(mail->windows()[1]));
+    EXPECT_TRUE(waitUntil([&] { return maskNames() == QStringList(u"For Mail"_s); }));
+}
+
+TEST_F(ApplicationsTest, MasksAppearWhenACapturingProgramStarts) {
+    const QUuid mask = addMask({100, 500, 300, 200});
+    workspace.settings.autoShowMasksOnScreenShare = true;
+    start();
+    watchAnnouncements();
+    const auto isShown = [&](bool isExpected) {
+        return waitUntil([&] { return windowOf(mask)->isMapped == isExpected; });
+    };
+    const auto hide = [&] {
+        EXPECT_EQ(run({u"hide-masks"_s}).status, 0);
+        EXPECT_TRUE(isShown(false));
+    };
+    hide();
+    auto zoom = launch(u"zoom"_s);
+    const xcb_window_t zoomWindow = zoom->windows()[0];
+    EXPECT_TRUE(isShown(true));
+    EXPECT_TRUE(waitUntil([&] { return announcements().contains(m_masksShown); }));
+    // Neither another capturing program nor the end of one does anything.
+    hide();
+    auto studio = launch(u"obs"_s);
+    EXPECT_TRUE(frontmostBecomes(u"obs"_s, u"com.obsproject.obs-studio"_s));
+    zoom.reset();
+    EXPECT_TRUE(waitUntil([&] { return !probe.window(zoomWindow); }));
+    EXPECT_TRUE(sharingBecomes(true));
+    studio.reset();
+    EXPECT_TRUE(sharingBecomes(false));
+    EXPECT_TRUE(isShown(false));
+    auto recorder = launchWindowless(u"x11vnc"_s);
+    EXPECT_TRUE(isShown(true));
+    recorder.reset();
+    EXPECT_TRUE(sharingBecomes(false));
+    // With masks on screen there is nothing to do or say.
+    recorder = launchWindowless(u"kazam"_s);
+    EXPECT_TRUE(sharingBecomes(true));
+    run({u"toggle-editing"_s});
+    EXPECT_TRUE(waitUntil([&] { return announcements().size() == 5; }));
+    EXPECT_EQ(announcements(),
+              (QStringList{u"object:announcement 2 All masks hidden"_s, m_masksShown,
+                           u"object:announcement 2 All masks hidden"_s, m_masksShown,
+                           u"object:announcement 2 Editing locked"_s}));
+}
+
+TEST_F(ApplicationsTest, MasksStayHiddenUnlessTheUserWantsOtherwise) {
+    for (const auto& setting : {std::optional<bool>(), std::optional(false)}) {
+        workspace.masks.clear();
+        const QUuid mask = addMask({100, 500, 300, 200});
+        workspace.settings.autoShowMasksOnScreenShare = setting;
+        start();
+        EXPECT_EQ(run({u"hide-masks"_s}).status, 0);
+        const auto recorder = launchWindowless(u"obs"_s);
+        EXPECT_TRUE(sharingBecomes(true));
+        EXPECT_FALSE(windowOf(mask)->isMapped);
+        EXPECT_EQ(quit(), 0);
+    }
+}
+
+TEST_F(ApplicationsTest, WindowsAndProgramsMayVanishAtAnyTime) {
+    addMask({100, 500, 300, 200});
+    start();
+    std::vector<std::unique_ptr<ChildProcess>> fleeting;
+    for (int round = 0; round < 60; ++round) {
+        // Ids of windows and of clients are used again, for another class each time.
+        const QString name = round % 2 == 0 ? u"obs"_s : u"Fleeting"_s;
+        fleeting.push_back(NeighbourProgram::start(desktop.environment(), desktop.home().path(),
+                                                   name, {u"vanish"_s, name}));
+        if (round % 4 != 3) continue;
+        for (const auto& program : fleeting)
+            EXPECT_EQ(program->waitForExit(defaultWait), 0);
+        fleeting.clear();
+    }
+    EXPECT_TRUE(sharingBecomes(false));
+    // A manager of its own: this one may be confused by now.
+    desktop.changeWindowManager({u"openbox"_s});
+    const auto editor = launch(u"Editor"_s);
+    EXPECT_TRUE(frontmostBecomes(u"Editor"_s, u"Editor"_s));
+}
+
+TEST_F(OldServerTest, ProgramsAreBelievedAboutTheirProcess) {
+    start();
+    const auto studio = NeighbourProgram::start(desktop.environment(), desktop.home().path(),
+                                                u"obs"_s, {u"windows"_s, u"Unheard-Of"_s, u"1"_s});
+    EXPECT_TRUE(frontmostBecomes(u"Unheard-Of"_s, u"com.obsproject.obs-studio"_s));
+}
+
+}  // namespace

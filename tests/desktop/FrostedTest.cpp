@@ -1,0 +1,167 @@
+#include "desktop/VeylaTest.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+
+namespace {
+
+/// The grey values of a part of the screen.
+struct Greys {
+    explicit Greys(const QImage& image) {
+        double sum = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x) {
+                const int grey = qGray(image.pixel(x, y));
+                darkest = std::min(darkest, grey);
+                lightest = std::max(lightest, grey);
+                sum += grey;
+            }
+        mean = sum / (image.width() * image.height());
+    }
+    int contrast() const { return lightest - darkest; }
+
+    int darkest = 255;
+    int lightest = 0;
+    double mean = 0;
+};
+
+// Faint enough for nothing to be read.
+constexpr int illegible = 6;
+
+// What a black mask of full opacity makes of the mean below it: 45 % of its colour and then 5.5 %
+// of white upon that.
+double throughMask(double mean) {
+    return mean * 0.55 * 0.945 + 255 * 0.055;
+}
+
+}  // namespace
+
+/// A frosted mask above a window of strokes as of large print.
+class Frosted : public VeylaTest {
+protected:
+    explicit Frosted(const DesktopSession::Options& options = {})
+        : VeylaTest(options), mask(addMask({300, 300, 320, 180}, Qt::black)) {
+        workspace.masks.last().style = ScreenMask::Style::frosted;
+        page = openBackdrop();
+        print();
+    }
+
+    void print() {
+        constexpr std::uint16_t stroke = 12;
+        xcb_connection_t* const connection = neighbour.connection();
+        const xcb_pixmap_t tile = xcb_generate_id(connection);
+        xcb_create_pixmap(connection, neighbour.screen().root_depth, tile, page, 2 * stroke,
+                          2 * stroke);
+        const xcb_gcontext_t pen = xcb_generate_id(connection);
+        for (const std::uint32_t color : {0xFFFFFFU, 0U}) {
+            xcb_create_gc(connection, pen, tile, XCB_GC_FOREGROUND, &color);
+            const std::uint16_t width = color == 0 ? stroke : 2 * stroke;
+            const xcb_rectangle_t area{0, 0, width, 2 * stroke};
+            xcb_poly_fill_rectangle(connection, tile, pen, 1, &area);
+            xcb_free_gc(connection, pen);
+        }
+        xcb_change_window_attributes(connection, page, XCB_CW_BACK_PIXMAP, &tile);
+        xcb_free_pixmap(connection, tile);
+        xcb_clear_area(connection, 0, page, 0, 0, 0, 0);
+        neighbour.roundTrip();
+    }
+
+    /// Around the middle of the mask, away from its handles.
+    Greys seen() const {
+        return Greys(
+            Screenshot(probe).image().copy(QRect(middleOf(mask) - QPoint(40, 40), QSize(80, 80))));
+    }
+
+    testing::AssertionResult blurs(double meanBelow) {
+        std::optional<Greys> last;
+        const bool isReached = waitUntil([&] {
+            last = seen();
+            return last->contrast() <= illegible &&
+                   std::abs(last->mean - throughMask(meanBelow)) <= 4;
+        });
+        if (isReached) return testing::AssertionSuccess();
+        return testing::AssertionFailure()
+               << "contrast " << last->contrast() << ", mean " << last->mean << " instead of "
+               << throughMask(meanBelow);
+    }
+
+    QUuid mask;
+    xcb_window_t page;
+};
+
+TEST_F(Frosted, HidesPrintAndFollowsItWithAndWithoutACompositor) {
+    start();
+    struct Row {
+        const char* name;
+        std::function<void()> change;
+    };
+    for (const auto& [name, change] : {
+             Row{"no compositor", [] {}},
+             Row{"compositor started", [&] { desktop.startCompositor(); }},
+             Row{"compositor stopped", [&] { desktop.stopCompositor(); }},
+         }) {
+        SCOPED_TRACE(name);
+        change();
+        EXPECT_TRUE(blurs(127.5));
+        neighbour.setColor(page, Qt::white);
+        EXPECT_TRUE(blurs(255));
+        const auto note = neighbour.open(
+            {.frame = {250, 250, 500, 300}, .color = Qt::black, .isOverrideRedirect = true});
+        EXPECT_TRUE(blurs(0)) << "another window came";
+        neighbour.destroy(note);
+        EXPECT_TRUE(blurs(255)) << "and went";
+        print();
+        EXPECT_TRUE(blurs(127.5));
+    }
+}
+
+TEST_F(Frosted, StaysIllegibleAndRightDuringADrag) {
+    start();
+    EXPECT_TRUE(blurs(127.5));
+    for (const bool isComposited : {false, true}) {
+        SCOPED_TRACE(isComposited);
+        if (isComposited) desktop.startCompositor();
+        EXPECT_TRUE(blurs(127.5));
+        const QPoint from = middleOf(mask);
+        input.movePointer(from);
+        input.press();
+        for (int step = 1; step <= 20; ++step) {
+            const QPoint middle = middleOf(mask);
+            input.movePointer(from + QPoint(7 * step, 5 * step));
+            const QRect part(middle - QPoint(30, 30), QSize(60, 60));
+            const Greys greys(Screenshot(probe).image().copy(part));
+            EXPECT_LE(greys.contrast(), illegible) << step;
+        }
+        input.movePointer(from);
+        input.release();
+        EXPECT_TRUE(blurs(127.5));
+    }
+}
+
+TEST_F(Frosted, NeverShowsWhatAMaskBelowHides) {
+    workspace.masks.prepend(workspace.masks.first());
+    workspace.masks.first().id = QUuid::createUuid();
+    workspace.masks.first().style = ScreenMask::Style::blackout;
+    workspace.masks.first().frame = {200, 200, 520, 380};
+    start();
+    EXPECT_TRUE(blurs(0));
+    desktop.startCompositor();
+    EXPECT_TRUE(blurs(0));
+    ASSERT_EQ(run({QStringLiteral("hide-masks")}).status, 0);
+    ASSERT_EQ(run({QStringLiteral("show-masks")}).status, 0);
+    EXPECT_TRUE(waitUntil([&] { return isEveryMaskShownOnce(); }));
+    EXPECT_TRUE(blurs(0));
+}
+
+class FrostedOnAPoorServer : public Frosted {
+protected:
+    FrostedOnAPoorServer()
+        : Frosted({.server = {.extraArguments = {QStringLiteral("-extension"),
+                                                 QStringLiteral("Composite")}}}) {}
+};
+
+TEST_F(FrostedOnAPoorServer, IsDense) {
+    start();
+    EXPECT_TRUE(blurs(0));
+}
