@@ -2,6 +2,7 @@
 // toolkit, that one grabbed combination unmaps and maps all together.
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -39,8 +40,10 @@ int main(int argc, char** argv) {
     xcb_grab_key(connection, 0, screen.root, static_cast<std::uint16_t>(std::atoi(argv[3])),
                  static_cast<xcb_keycode_t>(std::atoi(argv[2])), XCB_GRAB_MODE_ASYNC,
                  XCB_GRAB_MODE_ASYNC);
+    const int count = std::atoi(argv[1]);
     std::vector<xcb_window_t> windows;
-    for (int number = 0; number < std::atoi(argv[1]); ++number)
+    windows.reserve(static_cast<std::size_t>(count));
+    for (int number = 0; number < count; ++number)
         windows.push_back(showWindow(connection, screen, number));
     xcb_flush(connection);
     bool areShown = true;

@@ -135,8 +135,8 @@ TYPED_TEST_P(DesktopContract, FramesAreKeptExactlyAndChangesAreToldInPlace) {
     EXPECT_EQ(mask.recorder->log,
               QStringList({QStringLiteral("moved"), QStringLiteral("resized")}));
     mask.surface->setFrame(odd);
-    mask.surface->setFrame({50, 60, odd.width, odd.height});
-    mask.surface->setFrame({50, 60, 300, 200});
+    mask.surface->setFinalFrame({50, 60, odd.width, odd.height});
+    mask.surface->setFinalFrame({50, 60, 300, 200});
     this->harness.settle();
     EXPECT_EQ(mask.recorder->log,
               QStringList({QStringLiteral("moved"), QStringLiteral("resized"),

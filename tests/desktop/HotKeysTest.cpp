@@ -244,22 +244,24 @@ protected:
     QList<bool> registered() {
         QList<bool> all;
         const QJsonArray hotkeys = status().value("hotkeys"_L1).toArray();
-        for (const QJsonValue& hotkey : hotkeys)
+        for (const auto& hotkey : hotkeys)
             all.append(hotkey["isRegistered"_L1].toBool());
         return all;
     }
 
     /// Moves Super to Mod3 and Num Lock to Mod5, as another program may.
     void moveModifiers() {
-        constexpr int width = 2;
+        constexpr std::size_t width = 2;
         Keycodes keys(8 * width, 0);
-        const std::pair<int, Keycode> places[] = {{0, shiftKey}, {1, capsLock}, {2, controlKey},
-                                                  {3, altKey},   {5, superKey}, {7, numLock}};
+        const std::pair<std::size_t, Keycode> places[] = {{0, shiftKey},   {1, capsLock},
+                                                          {2, controlKey}, {3, altKey},
+                                                          {5, superKey},   {7, numLock}};
         for (const auto& [modifier, key] : places)
-            keys[static_cast<std::size_t>(modifier * width)] = key;
+            keys[modifier * width] = key;
         const XcbPtr<xcb_set_modifier_mapping_reply_t> reply(xcb_set_modifier_mapping_reply(
             neighbour.connection(),
-            xcb_set_modifier_mapping(neighbour.connection(), width, keys.data()), nullptr));
+            xcb_set_modifier_mapping(neighbour.connection(), Keycode{width}, keys.data()),
+            nullptr));
         ASSERT_TRUE(reply && reply->status == XCB_MAPPING_STATUS_SUCCESS);
     }
 };

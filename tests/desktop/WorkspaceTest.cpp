@@ -111,13 +111,15 @@ TEST_P(WorkspaceTest, AMomentWithoutAnActiveWindowIsNoActivation) {
         m_harness.pager().requestActivation(window);
         ASSERT_TRUE(waitUntil([&] { return activeWindow() == window; }));
     }
-    claimActive(XCB_NONE);
-    EXPECT_TRUE(waitUntil([&] { return !workspace().frontmostApplication(); }));
-    claimActive(editor.windows()[0]);
-    EXPECT_TRUE(becomesFrontmost(u"Editor"_s));
-    // A window that nobody has.
-    claimActive(1);
-    EXPECT_TRUE(waitUntil([&] { return !workspace().frontmostApplication(); }));
+    // No window, and a window that nobody has. The manager may still be at its own last word.
+    for (const xcb_window_t nothing : {xcb_window_t{XCB_NONE}, xcb_window_t{1}}) {
+        EXPECT_TRUE(waitUntil([&] {
+            claimActive(nothing);
+            return !workspace().frontmostApplication();
+        }));
+        claimActive(editor.windows()[0]);
+        EXPECT_TRUE(becomesFrontmost(u"Editor"_s));
+    }
     EXPECT_EQ(activated, 0) << "the application stays the one in front";
     m_harness.launch(u"Mail"_s);
     EXPECT_TRUE(becomesFrontmost(u"Mail"_s));

@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr std::chrono::milliseconds shortestPause{100};
+constexpr std::chrono::milliseconds shortestPause{500};
 
 // What an event is about. The names of these numbers moved between versions of the kernel's header.
 constexpr std::uint32_t answerToRequest = 0;

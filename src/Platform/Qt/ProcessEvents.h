@@ -20,7 +20,7 @@ public:
     using Callback = std::function<void(const std::optional<QList<pid_t>>&)>;
 
     /// Null where the kernel does not tell. While programs start in rapid succession the callback
-    /// comes ten times a second at most. `scheduler` must outlive the object.
+    /// comes twice a second at most. `scheduler` must outlive the object.
     static std::unique_ptr<ProcessEvents> open(Scheduler& scheduler, Callback callback);
     ~ProcessEvents();
     ProcessEvents(const ProcessEvents&) = delete;

@@ -3,7 +3,7 @@
 #include <utility>
 
 // The header of the extension has a field of this name.
-#define explicit isExplicit  // NOLINT(bugprone-reserved-identifier)
+#define explicit isExplicit
 #include <xcb/xkb.h>
 #undef explicit
 

@@ -31,7 +31,7 @@ void X11OverlaySurface::setFrame(const Rect& frame) {
 void X11OverlaySurface::setFinalFrame(const Rect& frame) {
     const Rect previous = std::exchange(m_description.frame, frame);
     if (previous == frame) return;
-    if (previous.size() == frame.size()) moveNow();
+    moveNow();
     noteChange();
     tellDelegate(previous);
 }
