@@ -49,7 +49,8 @@ void OverlayManager::setSelectedMask(const std::optional<QUuid>& maskID) {
 
 void OverlayManager::focusMask(const QUuid& maskID) {
     const auto found = m_windows.find(maskID);
-    if (found != m_windows.end()) found->second.window->orderFront();
+    if (found == m_windows.end() || !found->second.window->isVisible()) return;
+    found->second.window->orderFront();
 }
 
 const OverlayWindow* OverlayManager::windowFor(const QUuid& maskID) const {

@@ -43,7 +43,8 @@ public:
     /// Shows the mask, if any, as the only selected one; changes nothing else.
     void setSelectedMask(const std::optional<QUuid>& maskID);
 
-    /// Brings the mask's window to the front; does nothing for an unknown mask.
+    /// Brings the mask's window to the front; does nothing for an unknown mask. One that is hidden
+    /// stays so: choosing a mask in a list must not put it on a screen that was cleared.
     void focusMask(const QUuid& maskID);
 
     /// The window of a mask, null when it has none. For inspection.

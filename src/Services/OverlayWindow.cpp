@@ -84,10 +84,12 @@ void OverlayWindow::setIgnoresMouseEvents(bool ignores) {
 }
 
 void OverlayWindow::orderFront() {
+    m_isVisible = true;
     m_surface->orderFront();
 }
 
 void OverlayWindow::orderOut() {
+    m_isVisible = false;
     m_surface->orderOut();
 }
 

@@ -60,6 +60,7 @@ public:
     void setIgnoresMouseEvents(bool ignores);
     void orderFront();
     void orderOut();
+    bool isVisible() const { return m_isVisible; }
 
     /// Which edges a press at that position moves. The position is in the window, in points from
     /// its bottom-left corner, y upward.
@@ -106,5 +107,6 @@ private:
     OverlayWindowDelegate& m_delegate;
     std::optional<OverlayMaskView> m_contentView;
     std::variant<std::monostate, Move, Resize> m_gesture;
+    bool m_isVisible = false;
     std::unique_ptr<OverlaySurface> m_surface;
 };

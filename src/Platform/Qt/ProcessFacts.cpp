@@ -49,8 +49,7 @@ QString commandNameOf(pid_t process, const QByteArray& status) {
     const QByteArray name = valueOf(status, "Name:");
     if (name.size() >= longestName)
         for (const QByteArray& argument : contentsOf(process, "cmdline").split('\0'))
-            if (const QString whole = fileNameOf(argument); whole.toUtf8().startsWith(name))
-                return whole;
+            if (QString whole = fileNameOf(argument); whole.toUtf8().startsWith(name)) return whole;
     return QString::fromUtf8(name);
 }
 
@@ -104,7 +103,7 @@ std::optional<ApplicationScope> applicationScopeFrom(const QByteArray& cgroups) 
         for (auto name = names.rbegin(); name != names.rend(); ++name) {
             // Below its unit an application may make groups of its own.
             if (!name->endsWith(".scope"_L1) && !name->endsWith(".service"_L1)) continue;
-            if (const auto application = applicationOfUnit(*name)) return application;
+            if (auto application = applicationOfUnit(*name)) return application;
             break;
         }
     }
