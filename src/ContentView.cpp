@@ -4,6 +4,7 @@
 #include "Views/Design/VeylaTheme.h"
 
 #include <QAction>
+#include <QHideEvent>
 #include <QMenuBar>
 #include <utility>
 
@@ -38,7 +39,8 @@ void ContentView::makeMenus(std::function<void()> quit) {
 
     QMenu* const menu = menuBar()->addMenu(u"&Veyla"_s);
     for (const MenuCommand& item : m_commands.items()) {
-        QAction* const action = item.isSeparator() ? menu->addSeparator() : menu->addAction(QString());
+        QAction* const action =
+            item.isSeparator() ? menu->addSeparator() : menu->addAction(QString());
         m_actions.push_back(action);
         if (item.isSeparator()) continue;
         action->setShortcuts(item.shortcuts);
@@ -55,7 +57,14 @@ void ContentView::updateMenu() {
     }
 }
 
+void ContentView::hideEvent(QHideEvent* event) {
+    // Hidden by its owner, not by the desktop.
+    if (!event->spontaneous()) m_geometry = saveGeometry();
+    QMainWindow::hideEvent(event);
+}
+
 void ContentView::showEvent(QShowEvent* event) {
+    if (!event->spontaneous() && !m_geometry.isEmpty()) restoreGeometry(m_geometry);
     QMainWindow::showEvent(event);
     m_state.handleDashboardWindowAppearance();
 }

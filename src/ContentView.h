@@ -4,6 +4,7 @@
 #include "App/VeylaCommands.h"
 #include "Views/TurnUpdate.h"
 
+#include <QByteArray>
 #include <QMainWindow>
 #include <functional>
 #include <vector>
@@ -18,12 +19,15 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
     void makeMenus(std::function<void()> quit);
     void updateMenu();
 
     AppState& m_state;
+    /// Where the window was when it was hidden; null before.
+    QByteArray m_geometry;
     const VeylaCommands& m_commands;
     std::vector<QAction*> m_actions;
     TurnUpdate m_menuUpdate;

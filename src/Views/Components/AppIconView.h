@@ -1,6 +1,10 @@
 #pragma once
 
+#include <QIcon>
 #include <QWidget>
+
+/// The program's icon in the sizes that task bars and title bars ask for.
+QIcon applicationIcon();
 
 /// The program's icon in a square of that side, in points.
 class AppIconView final : public QWidget {

@@ -12,7 +12,7 @@ PlainTextField::PlainTextField(const QString& placeholder, const TextStyle& styl
     setFrame(false);
     // Else the look of standard fields is drawn below.
     setStyleSheet(QStringLiteral("QLineEdit { background: transparent; border: none; }"));
-    setTextMargins(4, 2, 4, 2);
+    setTextMargins(0, 2, 4, 2);
     QPalette colors = palette();
     colors.setColor(QPalette::Base, Qt::transparent);
     colors.setColor(QPalette::Text, VeylaTheme::textPrimary());

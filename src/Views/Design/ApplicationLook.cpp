@@ -1,5 +1,6 @@
 #include "Views/Design/ApplicationLook.h"
 
+#include "Views/Components/AppIconView.h"
 #include "Views/Design/VeylaTheme.h"
 
 #include <QApplication>
@@ -61,4 +62,5 @@ void applyVeylaLook(QApplication& application) {
     QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
     QApplication::setPalette(darkPalette());
     application.setStyleSheet(styleSheet());
+    QApplication::setWindowIcon(applicationIcon());
 }
