@@ -1,4 +1,4 @@
-#include "ContentView.h"
+#include "Views/ContentView.h"
 
 #include "Views/DashboardView.h"
 #include "Views/Design/VeylaTheme.h"
