@@ -83,8 +83,8 @@ CommandResult runVeyla(InstanceLock& lock, VeylaApp::Start start, int argc, char
     if (!hasDisplay(argc, argv, &error)) return noDisplay(error);
 
     prepareToolkit();
-    QApplication application(argc, argv);
-    applyVeylaLook(application);
+    const QApplication application(argc, argv);
+    applyVeylaLook();
     installAccessibleElements();
     StderrLog log;
     QtMainLoop mainLoop;

@@ -1,7 +1,7 @@
 #include "Views/ContentView.h"
 
 #include "Views/DashboardView.h"
-#include "Views/Design/VeylaTheme.h"
+#include "Views/Design/ApplicationLook.h"
 
 #include <QAction>
 #include <QHideEvent>
@@ -32,6 +32,7 @@ ContentView::ContentView(AppState& state, Scheduler& scheduler, const VeylaComma
 }
 
 void ContentView::makeMenus(std::function<void()> quit) {
+    styleMenus(*menuBar());
     QMenu* const file = menuBar()->addMenu(u"&File"_s);
     file->addAction(u"&Close Window"_s, QKeySequence::Close, this, [this] { close(); });
     file->addSeparator();

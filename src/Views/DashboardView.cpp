@@ -3,6 +3,7 @@
 #include "Views/Dashboard/EmptyInspectorView.h"
 #include "Views/Dashboard/InspectorView.h"
 #include "Views/Dashboard/SidebarView.h"
+#include "Views/Design/ApplicationLook.h"
 #include "Views/Design/Typography.h"
 #include "Views/Design/VeylaTheme.h"
 #include "Views/Onboarding/OnboardingOverlay.h"
@@ -27,6 +28,7 @@ QScrollArea* scrollingPane(QWidget* content) {
     layout->addWidget(content);
     auto* const pane = new QScrollArea;
     pane->setFrameShape(QFrame::NoFrame);
+    styleScrollBar(*pane);
     pane->setWidgetResizable(true);
     pane->setFocusPolicy(Qt::NoFocus);
     pane->viewport()->setAutoFillBackground(false);
@@ -42,25 +44,19 @@ QScrollArea* scrollingPane(QWidget* content) {
 
 DashboardView::DashboardView(AppState& state, Scheduler& scheduler)
     : m_state(state),
-      m_inspector(new InspectorView(state, scheduler, m_anchors)),
-      m_inspectorPane(scrollingPane(m_inspector)),
+      m_scheduler(scheduler),
       m_emptyState(new EmptyInspectorView(state)),
       m_detail(new QStackedWidget),
-      m_onboarding(nullptr),
       m_turnUpdate(scheduler, [this] { update(); }) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
     auto* const sidebar = new SidebarView(state, scheduler, m_anchors);
     sidebar->setFixedWidth(qRound(sidebarWidth * textScale()));
     m_detail->addWidget(m_emptyState);
-    m_detail->addWidget(m_inspectorPane);
     auto* const layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(sidebar);
     layout->addWidget(m_detail, 1);
-    m_onboarding = new OnboardingOverlay(
-        state.onboardingSteps(), m_anchors,
-        {[&state] { state.showNextOnboardingStep(); }, [&state] { state.finishOnboarding(); }},
-        this);
     // The keyboard starts here, without a ring around any control.
     setFocusPolicy(Qt::ClickFocus);
     m_turnUpdate.follow(state.masks, state.selectedMaskID, state.isOnboardingPresented,
@@ -69,17 +65,35 @@ DashboardView::DashboardView(AppState& state, Scheduler& scheduler)
 }
 
 void DashboardView::update() {
-    m_detail->setCurrentWidget(m_state.activeMask() ? static_cast<QWidget*>(m_inspectorPane)
-                                                    : m_emptyState);
+    const bool hasMask = m_state.activeMask().has_value();
+    m_detail->setCurrentWidget(hasMask ? inspectorPane() : m_emptyState);
     if (m_state.isOnboardingPresented.value())
-        m_onboarding->present(m_state.onboardingStepIndex.value());
-    else
+        onboarding().present(m_state.onboardingStepIndex.value());
+    else if (m_onboarding)
         m_onboarding->dismiss();
+}
+
+QWidget* DashboardView::inspectorPane() {
+    if (!m_inspectorPane) {
+        m_inspector = new InspectorView(m_state, m_scheduler, m_anchors);
+        m_inspectorPane = scrollingPane(m_inspector);
+        m_detail->addWidget(m_inspectorPane);
+    }
+    return m_inspectorPane;
+}
+
+OnboardingOverlay& DashboardView::onboarding() {
+    if (!m_onboarding) {
+        const OnboardingOverlay::Actions actions{[this] { m_state.showNextOnboardingStep(); },
+                                                 [this] { m_state.finishOnboarding(); }};
+        m_onboarding = new OnboardingOverlay(m_state.onboardingSteps(), m_anchors, actions, this);
+    }
+    return *m_onboarding;
 }
 
 void DashboardView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
-    m_inspector->reloadName();
+    if (m_inspector) m_inspector->reloadName();
 }
 
 void DashboardView::paintEvent(QPaintEvent* /*event*/) {

@@ -24,13 +24,17 @@ protected:
 
 private:
     void update();
+    QWidget* inspectorPane();
+    OnboardingOverlay& onboarding();
 
     AppState& m_state;
+    Scheduler& m_scheduler;
     CoachmarkAnchors m_anchors;
-    InspectorView* m_inspector;
-    QScrollArea* m_inspectorPane;
     QWidget* m_emptyState;
     QStackedWidget* m_detail;
-    OnboardingOverlay* m_onboarding;
+    // Made when they are first needed, so that the window is there at once.
+    InspectorView* m_inspector = nullptr;
+    QScrollArea* m_inspectorPane = nullptr;
+    OnboardingOverlay* m_onboarding = nullptr;
     TurnUpdate m_turnUpdate;
 };

@@ -10,9 +10,6 @@ PlainTextField::PlainTextField(const QString& placeholder, const TextStyle& styl
     setPlaceholderText(placeholder);
     setFont(systemFont(style));
     setFrame(false);
-    // Else the look of standard fields is drawn below.
-    setStyleSheet(
-        QStringLiteral("QLineEdit { background: transparent; border: none; padding: 0; }"));
     setTextMargins(-2, 2, 4, 2);
     QPalette colors = palette();
     colors.setColor(QPalette::Base, Qt::transparent);

@@ -25,7 +25,7 @@ void TextLabel::showText(const QString& text) {
 }
 
 void TextLabel::setParagraphWidth(int width) {
-    setFixedSize(width, heightForWidth(width));
+    setFixedSize(width, std::max(heightForWidth(width), fontMetrics().height()));
 }
 
 void TextLabel::setColor(const QColor& color) {

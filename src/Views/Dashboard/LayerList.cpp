@@ -2,6 +2,7 @@
 
 #include "Views/Dashboard/MaskGroupRowView.h"
 #include "Views/Dashboard/MaskRowView.h"
+#include "Views/Design/ApplicationLook.h"
 #include "Views/Design/Typography.h"
 #include "Views/Design/VeylaCard.h"
 #include "Views/Design/VeylaTheme.h"
@@ -48,6 +49,7 @@ private:
 LayerList::LayerList(AppState& state, Scheduler& scheduler)
     : m_state(state), m_content(new Content(*this)), m_turnUpdate(scheduler, [this] { update(); }) {
     setFrameShape(QFrame::NoFrame);
+    styleScrollBar(*this);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFocusPolicy(Qt::NoFocus);
     setAccessibleName(u"Layers"_s);
@@ -62,9 +64,10 @@ LayerList::LayerList(AppState& state, Scheduler& scheduler)
 LayerList::~LayerList() = default;
 
 void LayerList::update() {
+    const auto formerGrounds = m_grounds;
     buildLines();
     showRowsInView();
-    m_content->update();
+    if (m_grounds != formerGrounds) m_content->update();
     revealSelection();
 }
 
@@ -206,6 +209,7 @@ void LayerList::showMaskMenu(const QUuid& maskID, QPoint position) {
     if (mask == masks.end() || mask->groupID || groups.isEmpty()) return;
     auto* const menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
+    styleMenus(*menu);
     QMenu* const targets = menu->addMenu(u"Move to Group"_s);
     for (const MaskGroup& group : groups) {
         // An ampersand would underline the next letter.

@@ -45,6 +45,8 @@ private:
     struct GroupGround {
         int top = 0;
         int bottom = 0;
+
+        bool operator==(const GroupGround&) const = default;
     };
 
     void update();

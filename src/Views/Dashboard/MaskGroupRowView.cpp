@@ -6,6 +6,7 @@
 #include "Views/Components/StyledButton.h"
 #include "Views/Components/SymbolView.h"
 #include "Views/Components/TextLabel.h"
+#include "Views/Design/ApplicationLook.h"
 #include "Views/Design/Layout.h"
 #include "Views/Design/VeylaCard.h"
 #include "Views/Design/VeylaTheme.h"
@@ -141,6 +142,7 @@ void MaskGroupRowView::contextMenuEvent(QContextMenuEvent* event) {
     // The row may go while the menu is open; its actions then do nothing.
     auto* const menu = new QMenu(window());
     menu->setAttribute(Qt::WA_DeleteOnClose);
+    styleMenus(*menu);
     menu->addAction(u"Rename"_s, this, [this] { startRenaming(); });
     menu->addAction(m_visibility->accessibleName(), this, m_actions.onToggleVisibility);
     menu->addAction(m_lock->accessibleName(), this, m_actions.onToggleLock);

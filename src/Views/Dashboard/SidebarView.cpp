@@ -7,6 +7,7 @@
 #include "Views/Components/TextLabel.h"
 #include "Views/Dashboard/FeatureBadge.h"
 #include "Views/Dashboard/LayerList.h"
+#include "Views/Design/ApplicationLook.h"
 #include "Views/Design/Layout.h"
 #include "Views/Design/Panel.h"
 #include "Views/Design/VeylaTheme.h"
@@ -32,6 +33,7 @@ SidebarView::SidebarView(AppState& state, Scheduler& scheduler, CoachmarkAnchors
       m_visibility(secondaryButton({}, {})),
       m_editing(secondaryButton({}, {})),
       m_turnUpdate(scheduler, [this] { update(); }) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
     m_create->setAccessibleName(u"Create new mask"_s);
     setAccessibleIdentifier(*m_create, u"create-mask-button"_s);
     anchors.mark(m_create, CoachmarkAnchor::createMask);
@@ -91,6 +93,7 @@ QWidget* SidebarView::layersHeader() {
     connect(button, &QPushButton::clicked, this, [this, button] {
         auto* const menu = new QMenu(this);
         menu->setAttribute(Qt::WA_DeleteOnClose);
+        styleMenus(*menu);
         menu->addAction(u"New Group…"_s, this, [this] {
             m_state.createGroup(u"Group %1"_s.arg(m_state.groups.value().size() + 1));
         });

@@ -3,8 +3,10 @@
 #include "Views/Components/AppIconView.h"
 #include "Views/Design/VeylaTheme.h"
 
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QPalette>
+#include <QScrollBar>
 #include <QStyleFactory>
 
 using namespace Qt::Literals::StringLiterals;
@@ -35,7 +37,7 @@ QPalette darkPalette() {
 }
 
 // Opaque where translucent white on the window would be: style sheets paint onto nothing.
-QString styleSheet() {
+QString menuSheet() {
     return u"QMenuBar { background: #0E1017; color: #F2F2F3; border-bottom: 1px solid #1B1D24; }"
            "QMenuBar::item { padding: 5px 10px; background: transparent; border-radius: 5px; }"
            "QMenuBar::item:selected { background: #23263A; }"
@@ -44,11 +46,11 @@ QString styleSheet() {
            "QMenu::item { padding: 6px 26px 6px 14px; border-radius: 5px; }"
            "QMenu::item:selected { background: #6366F1; color: white; }"
            "QMenu::item:disabled { color: #64748B; background: transparent; }"
-           "QMenu::separator { height: 1px; background: #2A2E3D; margin: 5px 8px; }"
-           "QToolTip { background: #141826; color: #F2F2F3; border: 1px solid #2A2E3D;"
-           "           padding: 4px; }"
-           "QScrollArea { background: transparent; }"
-           "QScrollBar:vertical { background: transparent; width: 10px; margin: 0; }"
+           "QMenu::separator { height: 1px; background: #2A2E3D; margin: 5px 8px; }"_s;
+}
+
+QString scrollBarSheet() {
+    return u"QScrollBar:vertical { background: transparent; width: 10px; margin: 0; }"
            "QScrollBar::handle:vertical { background: #343948; border-radius: 3px;"
            "                              min-height: 28px; margin: 2px; }"
            "QScrollBar::handle:vertical:hover { background: #4A5064; }"
@@ -58,9 +60,18 @@ QString styleSheet() {
 
 }  // namespace
 
-void applyVeylaLook(QApplication& application) {
+void applyVeylaLook() {
     QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
     QApplication::setPalette(darkPalette());
-    application.setStyleSheet(styleSheet());
     QApplication::setWindowIcon(applicationIcon());
+}
+
+// One sheet for the whole application would be asked about every widget, which takes longer than
+// making them.
+void styleMenus(QWidget& menuOrBar) {
+    menuOrBar.setStyleSheet(menuSheet());
+}
+
+void styleScrollBar(QAbstractScrollArea& area) {
+    area.verticalScrollBar()->setStyleSheet(scrollBarSheet());
 }

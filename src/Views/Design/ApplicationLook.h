@@ -1,7 +1,14 @@
 #pragma once
 
-class QApplication;
+class QAbstractScrollArea;
+class QWidget;
 
-/// Gives standard controls (menus, tooltips, scroll bars, dialogs) the program's dark colours. To
-/// be called once.
-void applyVeylaLook(QApplication& application);
+/// Gives standard controls and dialogs the program's dark colours, and windows its icon. To be
+/// called once, with a QApplication.
+void applyVeylaLook();
+
+/// The look of a menu, or of a menu bar with its menus.
+void styleMenus(QWidget& menuOrBar);
+
+/// The look of the vertical scroll bar.
+void styleScrollBar(QAbstractScrollArea& area);
