@@ -66,6 +66,11 @@ DashboardView::DashboardView(AppState& state, Scheduler& scheduler)
     update();
 }
 
+// While it is shown it looks for the anchors, which go before the views in this one do.
+DashboardView::~DashboardView() {
+    delete m_onboarding;
+}
+
 void DashboardView::update() {
     m_detail->setCurrentWidget(m_state.activeMask() ? static_cast<QWidget*>(m_inspectorPane)
                                                     : m_emptyState);
