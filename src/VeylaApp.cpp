@@ -1,7 +1,6 @@
 #include "VeylaApp.h"
 
 #include "App/WorkspaceLocation.h"
-#include "ContentView.h"
 #include "Platform/Qt/AccessibleIdentifiers.h"
 #include "Platform/Qt/AppcastUpdateFramework.h"
 #include "Platform/Qt/AtSpiAnnouncer.h"
@@ -14,6 +13,7 @@
 #include "Platform/Qt/StderrLog.h"
 #include "Platform/X11/X11Desktop.h"
 #include "Views/Components/AccessibleElement.h"
+#include "Views/ContentView.h"
 #include "Views/Design/ApplicationLook.h"
 
 #include <QApplication>

@@ -24,10 +24,11 @@ void OverlayManager::sync(const QList<ScreenMask>& masks, bool areMasksVisible,
 
     {
         const SurfaceBatch batch(m_surfaces);
-        closeWindowsLeftOut(masks);
+        const std::vector<Entry*> entries = entriesOf(masks);
         const QList<Rect> frames = visibleFrames(m_screens);
+        auto entry = entries.begin();
         for (const ScreenMask& mask : masks)
-            syncWindow(mask, areMasksVisible && mask.isVisible, isEditingEnabled,
+            syncWindow(**entry++, mask, areMasksVisible && mask.isVisible, isEditingEnabled,
                        selectedMaskID == mask.id, frames);
     }
 
@@ -66,32 +67,36 @@ void OverlayManager::windowDidResize(OverlayWindow& window) {
     reportFrame(window);
 }
 
-OverlayWindow& OverlayManager::findOrCreateWindow(const ScreenMask& mask) {
-    Entry& entry = m_windows[mask.id];
-    entry.modelFrame = mask.frame;
-    std::unique_ptr<OverlayWindow>& window = entry.window;
-    if (window) return *window;
-    window = std::make_unique<OverlayWindow>(mask.id, mask.frame, m_surfaces, m_screens,
-                                             static_cast<OverlayWindowDelegate&>(*this));
-    window->onMaskSelected = m_lifetime.guard([this, id = mask.id] {
+void OverlayManager::makeWindow(Entry& entry, const ScreenMask& mask) {
+    entry.window = std::make_unique<OverlayWindow>(mask.id, mask.frame, m_surfaces, m_screens,
+                                                   static_cast<OverlayWindowDelegate&>(*this));
+    entry.window->onMaskSelected = m_lifetime.guard([this, id = mask.id] {
         if (m_onMaskSelected) m_onMaskSelected(id);
     });
-    return *window;
 }
 
-void OverlayManager::closeWindowsLeftOut(const QList<ScreenMask>& masks) {
+std::vector<OverlayManager::Entry*> OverlayManager::entriesOf(const QList<ScreenMask>& masks) {
     ++m_syncNumber;
+    std::vector<Entry*> entries;
+    entries.reserve(static_cast<std::size_t>(masks.size()));
     for (const ScreenMask& mask : masks) {
-        const auto entry = m_windows.find(mask.id);
-        if (entry != m_windows.end()) entry->second.lastSync = m_syncNumber;
+        Entry& entry = m_windows[mask.id];
+        entry.lastSync = m_syncNumber;
+        entries.push_back(&entry);
     }
     std::erase_if(m_windows,
                   [this](const auto& entry) { return entry.second.lastSync != m_syncNumber; });
+    for (qsizetype i = 0; i < masks.size(); ++i) {
+        Entry& entry = *entries[static_cast<std::size_t>(i)];
+        if (!entry.window) makeWindow(entry, masks.at(i));
+    }
+    return entries;
 }
 
-void OverlayManager::syncWindow(const ScreenMask& mask, bool isShown, bool isEditingEnabled,
-                                bool isSelected, const QList<Rect>& frames) {
-    OverlayWindow& window = findOrCreateWindow(mask);
+void OverlayManager::syncWindow(Entry& entry, const ScreenMask& mask, bool isShown,
+                                bool isEditingEnabled, bool isSelected, const QList<Rect>& frames) {
+    entry.modelFrame = mask.frame;
+    OverlayWindow& window = *entry.window;
     const Rect target = resolvedFrame(mask.frame, frames);
     if (window.frame() != target) {
         window.setFrame(target);

@@ -16,6 +16,7 @@
 #include <memory>
 #include <optional>
 #include <unordered_map>
+#include <vector>
 
 /// Keeps exactly one overlay window for every mask of the model and keeps its frame, visibility,
 /// click-through state and look in step. Reports moved frames and clicks back, and repairs the
@@ -66,10 +67,12 @@ private:
         std::uint64_t lastSync = 0;
     };
 
-    OverlayWindow& findOrCreateWindow(const ScreenMask& mask);
-    void closeWindowsLeftOut(const QList<ScreenMask>& masks);
-    void syncWindow(const ScreenMask& mask, bool isShown, bool isEditingEnabled, bool isSelected,
-                    const QList<Rect>& frames);
+    /// The entries of the masks, in their order, each with its window. Those of other masks, and
+    /// their windows, go.
+    std::vector<Entry*> entriesOf(const QList<ScreenMask>& masks);
+    void makeWindow(Entry& entry, const ScreenMask& mask);
+    void syncWindow(Entry& entry, const ScreenMask& mask, bool isShown, bool isEditingEnabled,
+                    bool isSelected, const QList<Rect>& frames);
     void recoverWindowsForCurrentScreens();
     void reportFrame(const OverlayWindow& window);
 

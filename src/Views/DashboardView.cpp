@@ -31,6 +31,9 @@ QScrollArea* scrollingPane(QWidget* content) {
     pane->setFocusPolicy(Qt::NoFocus);
     pane->viewport()->setAutoFillBackground(false);
     pane->setWidget(inside);
+    // The window is never narrower than what its controls need.
+    pane->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    pane->setMinimumWidth(inside->minimumSizeHint().width() + 12);
     inside->setAutoFillBackground(false);
     return pane;
 }
@@ -60,7 +63,6 @@ DashboardView::DashboardView(AppState& state, Scheduler& scheduler)
         this);
     // The keyboard starts here, without a ring around any control.
     setFocusPolicy(Qt::ClickFocus);
-    setFocus();
     m_turnUpdate.follow(state.masks, state.selectedMaskID, state.isOnboardingPresented,
                         state.onboardingStepIndex);
     update();

@@ -120,6 +120,12 @@ void X11OverlaySurface::apply(const DesktopSpace& space) {
     }
 }
 
+bool X11OverlaySurface::isPlacedAnew() {
+    const bool isElsewhere = std::exchange(m_toldRect, m_window->rect()) != m_window->rect();
+    const bool isShownAnew = std::exchange(m_hasToldShown, m_isShown) != m_isShown;
+    return isElsewhere || isShownAnew;
+}
+
 void X11OverlaySurface::paint(const QRect& rect) {
     const QSize size = rect.size();
     const Size points{size.width() / m_scaleFactor, size.height() / m_scaleFactor};

@@ -43,6 +43,8 @@ public:
 
     /// Sends to the server what differs from the wanted state, mapping and stacking excepted.
     void apply(const DesktopSpace& space);
+    /// Whether the surface is elsewhere, or shown otherwise, than at the last call.
+    bool isPlacedAnew();
     /// Paints what is shown again, on what lies below it now.
     void repaint() {
         if (m_isShown && m_content) paint(m_window->rect());
@@ -74,6 +76,8 @@ private:
     bool m_hasAppliedPassThrough = false;
     bool m_hasBoundingAreas = false;
     bool m_isShown = false;
+    QRect m_toldRect;
+    bool m_hasToldShown = false;
     bool m_needsApplying = true;
     bool m_needsPainting = true;
     double m_scaleFactor = 1;

@@ -114,8 +114,9 @@ void X11OverlaySurfaces::commit() {
 
 void X11OverlaySurfaces::tellPlaces() {
     if (!m_services.accessibility) return;
-    for (const X11OverlaySurface* surface : m_surfaces)
-        m_services.accessibility->place(*surface, surface->window().rect(), surface->isShown());
+    for (X11OverlaySurface* surface : m_surfaces)
+        if (surface->isPlacedAnew())
+            m_services.accessibility->place(*surface, surface->window().rect(), surface->isShown());
 }
 
 std::vector<X11OverlaySurface*> X11OverlaySurfaces::shownInOrder() const {

@@ -11,8 +11,9 @@ PlainTextField::PlainTextField(const QString& placeholder, const TextStyle& styl
     setFont(systemFont(style));
     setFrame(false);
     // Else the look of standard fields is drawn below.
-    setStyleSheet(QStringLiteral("QLineEdit { background: transparent; border: none; }"));
-    setTextMargins(0, 2, 4, 2);
+    setStyleSheet(
+        QStringLiteral("QLineEdit { background: transparent; border: none; padding: 0; }"));
+    setTextMargins(-2, 2, 4, 2);
     QPalette colors = palette();
     colors.setColor(QPalette::Base, Qt::transparent);
     colors.setColor(QPalette::Text, VeylaTheme::textPrimary());

@@ -19,8 +19,13 @@ void TextLabel::showText(const QString& text) {
     m_text = text;
     // What assistive technology reads; one line is painted below.
     setText(m_lines == Lines::one ? onOneLine(text) : text);
+    if (minimumWidth() == maximumWidth()) setParagraphWidth(minimumWidth());
     updateToolTip();
     updateGeometry();
+}
+
+void TextLabel::setParagraphWidth(int width) {
+    setFixedSize(width, heightForWidth(width));
 }
 
 void TextLabel::setColor(const QColor& color) {

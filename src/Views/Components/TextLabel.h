@@ -17,6 +17,8 @@ public:
     /// Shows another text; costs nothing when it is the same.
     void showText(const QString& text);
     void setColor(const QColor& color);
+    /// Wraps a paragraph at that width, in points, and takes as many lines as that needs.
+    void setParagraphWidth(int width);
     const QString& fullText() const { return m_text; }
 
     QSize sizeHint() const override;

@@ -15,7 +15,7 @@ EmptyInspectorView::EmptyInspectorView(AppState& state) {
         new TextLabel(u"Select a mask from the sidebar or create a new one."_s, {12},
                       VeylaTheme::textSecondary(), TextLabel::Lines::paragraph);
     explanation->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
-    explanation->setFixedWidth(qRound(textWidth * textScale()));
+    explanation->setParagraphWidth(qRound(textWidth * textScale()));
     auto* const title =
         new TextLabel(u"No Mask Selected"_s, {16, QFont::DemiBold}, VeylaTheme::textPrimary());
 

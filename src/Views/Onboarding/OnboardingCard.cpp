@@ -73,6 +73,7 @@ OnboardingCard::OnboardingCard(QWidget* parent)
                                   row(8, {m_skip, LayoutItem::space(), m_next})},
                                  padding(inside, inside));
     content->setFixedWidth(cardWidth);
+    m_body->setParagraphWidth(cardWidth - 2 * inside);
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(margin, margin, margin, margin);
     layout->addWidget(content);

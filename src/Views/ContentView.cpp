@@ -1,4 +1,4 @@
-#include "ContentView.h"
+#include "Views/ContentView.h"
 
 #include "Views/DashboardView.h"
 #include "Views/Design/VeylaTheme.h"
@@ -13,7 +13,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr QSize defaultSize{1180, 760};
-constexpr QSize smallestSize{760, 520};
+constexpr int smallestHeight = 520;
 
 }  // namespace
 
@@ -21,9 +21,10 @@ ContentView::ContentView(AppState& state, Scheduler& scheduler, const VeylaComma
                          std::function<void()> quit)
     : m_state(state), m_commands(commands), m_menuUpdate(scheduler, [this] { updateMenu(); }) {
     setWindowTitle(u"Veyla"_s);
-    setMinimumSize(smallestSize);
+    setMinimumHeight(smallestHeight);
     resize(defaultSize);
     setCentralWidget(new DashboardView(state, scheduler));
+    centralWidget()->setFocus();
     makeMenus(std::move(quit));
     m_menuUpdate.follow(state.masks, state.selectedMaskID, state.areMasksVisible,
                         state.isEditingEnabled, state.updaterManager().canCheckForUpdates());
