@@ -64,6 +64,11 @@ DashboardView::DashboardView(AppState& state, Scheduler& scheduler)
     update();
 }
 
+// While it is shown it looks for the anchors, which go before the views in this one do.
+DashboardView::~DashboardView() {
+    delete m_onboarding;
+}
+
 void DashboardView::update() {
     const bool hasMask = m_state.activeMask().has_value();
     m_detail->setCurrentWidget(hasMask ? inspectorPane() : m_emptyState);

@@ -17,6 +17,7 @@ class DashboardView final : public QWidget {
 public:
     /// The references must outlive the view.
     DashboardView(AppState& state, Scheduler& scheduler);
+    ~DashboardView() override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

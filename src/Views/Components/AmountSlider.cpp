@@ -20,7 +20,7 @@ constexpr double largeStep = 0.1;
 }  // namespace
 
 AmountSlider::AmountSlider(double minimum, double maximum, const QColor& tint)
-    : m_minimum(minimum), m_maximum(maximum), m_amount(minimum), m_tint(tint) {
+    : m_minimum(minimum), m_maximum(maximum), m_amount(minimum), m_given(minimum), m_tint(tint) {
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
@@ -31,6 +31,7 @@ QSize AmountSlider::sizeHint() const {
 }
 
 void AmountSlider::showAmount(double amount) {
+    m_given = amount;
     const double shown = std::clamp(amount, m_minimum, m_maximum);
     if (shown == m_amount) return;
     m_amount = shown;
@@ -45,7 +46,8 @@ std::optional<AccessibleAmount> AmountSlider::accessibleAmount() const {
 
 void AmountSlider::choose(double amount) {
     const double chosen = std::clamp(amount, m_minimum, m_maximum);
-    if (chosen == m_amount) return;
+    // What lies beyond the bounds can be brought to the bound where it is shown.
+    if (chosen == m_given) return;
     showAmount(chosen);
     if (m_onChange) m_onChange(chosen);
 }

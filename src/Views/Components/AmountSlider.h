@@ -38,6 +38,8 @@ private:
     double m_minimum;
     double m_maximum;
     double m_amount;
+    /// As given, which may be beyond the bounds.
+    double m_given;
     QColor m_tint;
     std::function<void(double)> m_onChange;
 };

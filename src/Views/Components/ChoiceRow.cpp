@@ -99,13 +99,10 @@ void ChoiceRow::add(QRadioButton* button) {
     const int index = static_cast<int>(m_buttons.size());
     m_buttons.push_back(button);
     layout()->addWidget(button);
-    // Pressing the one that holds already chooses it again, which changes nothing.
+    // The arrow keys click, too. Pressing the one that holds already chooses it again, which
+    // changes nothing.
     connect(button, &QRadioButton::clicked, this, [this, index] {
         if (m_onChoose) m_onChoose(index);
-    });
-    connect(button, &QRadioButton::toggled, this, [this, button, index](bool isChosen) {
-        // The arrow keys choose without a click.
-        if (isChosen && button->hasFocus() && m_onChoose) m_onChoose(index);
     });
 }
 

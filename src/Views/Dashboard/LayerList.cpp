@@ -7,12 +7,16 @@
 #include "Views/Design/VeylaCard.h"
 #include "Views/Design/VeylaTheme.h"
 
+#include <QApplication>
+#include <QDragEnterEvent>
 #include <QHash>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QMimeData>
 #include <QPainter>
 #include <QScrollBar>
 #include <algorithm>
+#include <cstdlib>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -24,12 +28,21 @@ constexpr double groundCornerRadius = 10;
 /// Rows are made this far beyond the view, so that scrolling finds them there.
 constexpr int overscan = 120;
 
+bool hasKeyboard(const QWidget* row) {
+    const QWidget* const focused = QApplication::focusWidget();
+    return focused && (focused == row || row->isAncestorOf(focused));
+}
+
 }  // namespace
 
 /// What is scrolled: the rows, and the grounds of the groups behind them.
 class LayerList::Content final : public QWidget {
 public:
-    explicit Content(LayerList& list) : m_list(list) {}
+    explicit Content(LayerList& list) : m_list(list) {
+        setAcceptDrops(true);
+        // Never by Tab; it is the place in the tab order that the rows come after.
+        setFocusPolicy(Qt::ClickFocus);
+    }
 
 protected:
     void paintEvent(QPaintEvent* event) override {
@@ -38,12 +51,47 @@ protected:
             const QRect rect(0, ground.top, width(), ground.bottom - ground.top);
             if (rect.intersects(event->rect()))
                 paintPanel(painter, rect, groundCornerRadius, VeylaTheme::panelMuted(),
-                           VeylaTheme::softBorder());
+                           m_dropTarget == ground.groupID ? VeylaTheme::accentBlue()
+                                                          : VeylaTheme::softBorder());
         }
     }
 
+    // The headers take drops themselves; here they come to a group's masks.
+    void dragEnterEvent(QDragEnterEvent* event) override {
+        if (event->mimeData()->hasText()) event->acceptProposedAction();
+    }
+
+    void dragMoveEvent(QDragMoveEvent* event) override {
+        setDropTarget(groupAt(event->position().y()));
+        m_dropTarget ? event->acceptProposedAction() : event->ignore();
+    }
+
+    void dragLeaveEvent(QDragLeaveEvent* /*event*/) override { setDropTarget(std::nullopt); }
+
+    void dropEvent(QDropEvent* event) override {
+        setDropTarget(std::nullopt);
+        const auto groupID = groupAt(event->position().y());
+        const auto maskID = MaskRowView::maskIDIn(event->mimeData());
+        if (!groupID || !maskID) return event->ignore();
+        event->acceptProposedAction();
+        m_list.m_state.addMaskToGroup(*maskID, *groupID);
+    }
+
 private:
+    std::optional<QUuid> groupAt(double y) const {
+        for (const GroupGround& ground : m_list.m_grounds)
+            if (y >= ground.top && y < ground.bottom) return ground.groupID;
+        return std::nullopt;
+    }
+
+    void setDropTarget(const std::optional<QUuid>& groupID) {
+        if (groupID == m_dropTarget) return;
+        m_dropTarget = groupID;
+        update();
+    }
+
     LayerList& m_list;
+    std::optional<QUuid> m_dropTarget;
 };
 
 LayerList::LayerList(AppState& state, Scheduler& scheduler)
@@ -100,7 +148,7 @@ void LayerList::buildLines() {
         const auto& inside = members[group.id];
         addLine({group.id, true, group.id, index, 0, 0, static_cast<qsizetype>(inside.size())},
                 MaskGroupRowView::rowHeight(), m_grounds.empty() ? 0 : gapBetweenRows);
-        GroupGround ground{m_lines.back().top, 0};
+        GroupGround ground{group.id, m_lines.back().top, 0};
         bool isFirst = true;
         if (group.isExpanded) {
             for (const qsizetype mask : inside)
@@ -129,19 +177,28 @@ void LayerList::showRowsInView() {
     const int top = verticalScrollBar()->value() - overscan;
     const int bottom = verticalScrollBar()->value() + viewport()->height() + overscan;
     std::map<QUuid, QWidget*> kept;
+    const auto keep = [&](const Line& each) {
+        // A workspace may hold an identity twice.
+        if (each.index < 0 || kept.contains(each.id)) return;
+        const auto existing = m_rows.find(each.id);
+        QWidget* const row = existing != m_rows.end() ? existing->second : makeRow(each);
+        if (existing != m_rows.end()) m_rows.erase(existing);
+        refreshRow(row, each);
+        row->setGeometry(rectOf(each));
+        row->QWidget::show();
+        kept.emplace(each.id, row);
+    };
     auto line = std::lower_bound(m_lines.begin(), m_lines.end(), top, [](const Line& each, int y) {
         return each.top + each.height < y;
     });
-    for (; line != m_lines.end() && line->top <= bottom; ++line) {
-        if (line->index < 0) continue;
-        const auto existing = m_rows.find(line->id);
-        QWidget* const row = existing != m_rows.end() ? existing->second : makeRow(*line);
-        if (existing != m_rows.end()) m_rows.erase(existing);
-        refreshRow(row, *line);
-        row->setGeometry(rectOf(*line));
-        row->QWidget::show();
-        kept.emplace(line->id, row);
+    for (; line != m_lines.end() && line->top <= bottom; ++line)
+        keep(*line);
+    // The row that has the keyboard stays out of view, too: what is typed there is not lost.
+    for (const Line& each : m_lines) {
+        const auto existing = m_rows.find(each.id);
+        if (existing != m_rows.end() && hasKeyboard(existing->second)) keep(each);
     }
+    keepFocus(kept);
     for (const auto& [id, row] : m_rows) {
         // A row may be the one whose event is being handled.
         row->removeEventFilter(this);
@@ -149,13 +206,39 @@ void LayerList::showRowsInView() {
         row->deleteLater();
     }
     m_rows = std::move(kept);
-    // The keyboard walks the list from top to bottom.
-    QWidget* previous = nullptr;
+    orderTabs();
+}
+
+// When the row that has the keyboard goes, the nearest that stays gets it. Hiding a row that has
+// the keyboard would scroll the list to wherever Qt takes it.
+void LayerList::keepFocus(const std::map<QUuid, QWidget*>& staying) {
+    const auto leaving = std::find_if(m_rows.begin(), m_rows.end(),
+                                      [](const auto& each) { return hasKeyboard(each.second); });
+    if (leaving == m_rows.end()) return;
+    const auto distance = [&](const auto& each) {
+        return std::abs(each.second->y() - leaving->second->y());
+    };
+    const auto nearest = std::min_element(
+        staying.begin(), staying.end(),
+        [&](const auto& first, const auto& second) { return distance(first) < distance(second); });
+    QWidget* const heir = nearest == staying.end() ? m_content : nearest->second;
+    heir->setFocus(Qt::OtherFocusReason);
+}
+
+// The keyboard walks the list from top to bottom.
+void LayerList::orderTabs() {
+    QWidget* previous = m_content;
+    const auto append = [&](QWidget* view) {
+        if (!(view->focusPolicy() & Qt::TabFocus)) return;
+        QWidget::setTabOrder(previous, view);
+        previous = view;
+    };
     for (const Line& each : m_lines) {
         const auto found = m_rows.find(each.id);
         if (each.index < 0 || found == m_rows.end()) continue;
-        if (previous) QWidget::setTabOrder(previous, found->second);
-        previous = found->second;
+        append(found->second);
+        for (QWidget* const inside : found->second->findChildren<QWidget*>())
+            append(inside);
     }
 }
 
@@ -192,6 +275,8 @@ void LayerList::refreshRow(QWidget* row, const Line& line) {
 
 // A mask that was created or chosen elsewhere is scrolled into view, once.
 void LayerList::revealSelection() {
+    // Before that it has no size to scroll in.
+    if (!isVisible()) return;
     const auto& selection = m_state.selectedMaskID.value();
     if (selection == m_revealedSelection) return;
     m_revealedSelection = selection;
@@ -225,7 +310,7 @@ bool LayerList::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyPress) return QScrollArea::eventFilter(watched, event);
     const auto row = std::find_if(m_rows.begin(), m_rows.end(),
                                   [&](const auto& each) { return each.second == watched; });
-    if (row == m_rows.end()) return false;
+    if (row == m_rows.end() || !row->second->hasFocus()) return false;
     const auto count = static_cast<int>(m_lines.size());
     switch (static_cast<QKeyEvent*>(event)->key()) {
         case Qt::Key_Down:
@@ -253,10 +338,13 @@ void LayerList::moveFocus(const QUuid& from, int step) {
     const int last = static_cast<int>(m_lines.size()) - 1;
     int target = std::clamp(static_cast<int>(line - m_lines.begin()) + step, 0, last);
     const int direction = step > 0 ? 1 : -1;
-    while (target > 0 && target < last && m_lines[static_cast<std::size_t>(target)].index < 0)
+    const auto isRow = [&] { return m_lines[static_cast<std::size_t>(target)].index >= 0; };
+    while (target > 0 && target < last && !isRow())
         target += direction;
+    // The list may end with the room below a group.
+    while (target > 0 && !isRow())
+        --target;
     const Line& chosen = m_lines[static_cast<std::size_t>(target)];
-    if (chosen.index < 0) return;
     ensureVisible(0, chosen.top + chosen.height / 2, 0, chosen.height);
     showRowsInView();
     const auto row = m_rows.find(chosen.id);
@@ -267,6 +355,11 @@ void LayerList::resizeEvent(QResizeEvent* event) {
     QScrollArea::resizeEvent(event);
     m_content->resize(viewport()->width(), m_content->height());
     showRowsInView();
+}
+
+void LayerList::showEvent(QShowEvent* event) {
+    QScrollArea::showEvent(event);
+    revealSelection();
 }
 
 void LayerList::scrollContentsBy(int dx, int dy) {

@@ -23,6 +23,7 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
 
 private:
@@ -43,6 +44,7 @@ private:
     };
     /// The rounded ground behind a group and its masks.
     struct GroupGround {
+        QUuid groupID;
         int top = 0;
         int bottom = 0;
 
@@ -59,6 +61,8 @@ private:
     void revealSelection();
     void showMaskMenu(const QUuid& maskID, QPoint position);
     void moveFocus(const QUuid& from, int step);
+    void keepFocus(const std::map<QUuid, QWidget*>& staying);
+    void orderTabs();
 
     AppState& m_state;
     Content* m_content;

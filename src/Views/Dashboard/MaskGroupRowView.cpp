@@ -6,6 +6,7 @@
 #include "Views/Components/StyledButton.h"
 #include "Views/Components/SymbolView.h"
 #include "Views/Components/TextLabel.h"
+#include "Views/Dashboard/MaskRowView.h"
 #include "Views/Design/ApplicationLook.h"
 #include "Views/Design/Layout.h"
 #include "Views/Design/VeylaCard.h"
@@ -17,8 +18,6 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QPainter>
-#include <QUuid>
-#include <optional>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -30,15 +29,6 @@ constexpr double cornerRadius = 10;
 
 Symbol smallSymbol(const QString& name, double size, const QColor& color) {
     return {name, size, SymbolWeight::semibold, color};
-}
-
-// Text from another program may say anything.
-std::optional<QUuid> maskIDIn(const QMimeData* payload) {
-    if (!payload || !payload->hasText()) return std::nullopt;
-    const QString text = payload->text();
-    const QUuid id = QUuid::fromString(text);
-    const bool isID = !id.isNull() && text.compare(uuidText(id), Qt::CaseInsensitive) == 0;
-    return isID ? std::optional(id) : std::nullopt;
 }
 
 }  // namespace
@@ -75,7 +65,6 @@ MaskGroupRowView::MaskGroupRowView(const MaskGroup& group, qsizetype maskCount,
     connect(m_chevron, &QPushButton::clicked, this, [this] { m_actions.onToggleExpanded(); });
     connect(m_visibility, &QPushButton::clicked, this, [this] { m_actions.onToggleVisibility(); });
     connect(m_lock, &QPushButton::clicked, this, [this] { m_actions.onToggleLock(); });
-    connect(m_field, &QLineEdit::returnPressed, this, [this] { commitRename(); });
     show(group, maskCount);
 }
 
@@ -130,12 +119,20 @@ void MaskGroupRowView::endRenaming() {
 }
 
 bool MaskGroupRowView::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == m_field && event->type() == QEvent::KeyPress &&
-        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
-        endRenaming();
-        return true;
+    if (watched != m_field || event->type() != QEvent::KeyPress)
+        return QWidget::eventFilter(watched, event);
+    // Taken here, so that they do not go on to the row.
+    switch (static_cast<QKeyEvent*>(event)->key()) {
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            commitRename();
+            return true;
+        case Qt::Key_Escape:
+            endRenaming();
+            return true;
+        default:
+            return false;
     }
-    return QWidget::eventFilter(watched, event);
 }
 
 void MaskGroupRowView::contextMenuEvent(QContextMenuEvent* event) {
@@ -156,6 +153,8 @@ void MaskGroupRowView::mouseDoubleClickEvent(QMouseEvent* /*event*/) {
 }
 
 void MaskGroupRowView::keyPressEvent(QKeyEvent* event) {
+    // Keys that a control of the row has left over are not meant for the row.
+    if (!hasFocus()) return event->ignore();
     switch (event->key()) {
         case Qt::Key_F2:
             return startRenaming();
@@ -185,7 +184,7 @@ void MaskGroupRowView::dragLeaveEvent(QDragLeaveEvent* /*event*/) {
 
 void MaskGroupRowView::dropEvent(QDropEvent* event) {
     setIsDropTarget(false);
-    const auto maskID = maskIDIn(event->mimeData());
+    const auto maskID = MaskRowView::maskIDIn(event->mimeData());
     if (!maskID) return event->ignore();
     event->acceptProposedAction();
     if (m_actions.onDropMask) m_actions.onDropMask(*maskID);

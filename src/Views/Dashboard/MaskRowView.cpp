@@ -92,6 +92,14 @@ QString MaskRowView::summaryText(const ScreenMask& mask) {
                                      truncated(mask.opacity * 100));
 }
 
+std::optional<QUuid> MaskRowView::maskIDIn(const QMimeData* payload) {
+    if (!payload || !payload->hasText()) return std::nullopt;
+    const QString text = payload->text();
+    const QUuid id = QUuid::fromString(text);
+    const bool isID = !id.isNull() && text.compare(uuidText(id), Qt::CaseInsensitive) == 0;
+    return isID ? std::optional(id) : std::nullopt;
+}
+
 QRect MaskRowView::textRect() const {
     const int left = horizontalPadding + dotDiameter + gap;
     const int right = horizontalPadding + static_cast<int>(visibilitySymbol(true).side()) + gap;

@@ -8,6 +8,8 @@
 #include <functional>
 #include <optional>
 
+class QMimeData;
+
 /// One mask in the list of layers: colour, name, summary and whether it is visible. A click or the
 /// Enter or Space key selects it; it can be dragged, as the text of its id.
 class MaskRowView final : public QWidget, public AccessibleElement {
@@ -28,6 +30,9 @@ public:
     static int rowHeight();
     /// For example "320 × 180 px • 86%"; every number is truncated.
     static QString summaryText(const ScreenMask& mask);
+    /// The mask that is dragged; nothing for what does not come from a row. Text from another
+    /// program may say anything.
+    static std::optional<QUuid> maskIDIn(const QMimeData* payload);
 
     QAccessible::Role accessibleRole() const override { return QAccessible::ListItem; }
     void describeState(QAccessible::State& state) const override;

@@ -35,6 +35,8 @@ QFont systemFont(const TextStyle& style) {
 
 QString onOneLine(const QString& text) {
     QString line = text.left(longestLine);
+    // Half of a character is none.
+    if (line.size() < text.size() && line.back().isHighSurrogate()) line.chop(1);
     for (QChar& character : line) {
         const bool breaksLine = character.category() == QChar::Other_Control ||
                                 character == QChar::LineSeparator ||

@@ -57,6 +57,9 @@ OnboardingOverlay::OnboardingOverlay(const QList<OnboardingStep>& steps,
     setFocusPolicy(Qt::StrongFocus);
     connect(m_card->nextButton(), &QPushButton::clicked, this, [this] { m_actions.onNext(); });
     connect(m_card->skipButton(), &QPushButton::clicked, this, [this] { m_actions.onSkip(); });
+    m_card->installEventFilter(this);
+    m_card->nextButton()->installEventFilter(this);
+    m_card->skipButton()->installEventFilter(this);
     m_move.setEasingCurve(QEasingCurve::InOutQuad);
     m_move.setDuration(stepMilliseconds);
     m_fade.setDuration(fadeMilliseconds);
@@ -65,10 +68,7 @@ OnboardingOverlay::OnboardingOverlay(const QList<OnboardingStep>& steps,
         update();
     });
     connect(&m_fade, &QVariantAnimation::finished, this, [this] {
-        if (m_index)
-            m_card->show();
-        else
-            hide();
+        if (!m_index) hide();
     });
     parent->installEventFilter(this);
     hide();
@@ -77,17 +77,17 @@ OnboardingOverlay::OnboardingOverlay(const QList<OnboardingStep>& steps,
 OnboardingOverlay::~OnboardingOverlay() = default;
 
 void OnboardingOverlay::present(int index) {
-    if (m_index == index) return;
-    const bool wasPresented = isPresented();
+    if (m_index == index) return followAnchoredView();
+    const bool wasPresented = m_index && isStep(*m_index);
     m_index = index;
-    const bool isStep = index >= 0 && index < m_steps.size();
-    if (!isStep) return hide();
+    if (!isStep(index)) return hide();
     m_card->showStep(m_steps, index);
     setGeometry(parentWidget()->rect());
     revealAnchoredView();
     watchAnchoredView();
     moveTo(placement(), wasPresented && isVisible() && m_isAnimated);
     QWidget::show();
+    m_card->show();
     raise();
     setFocus(Qt::OtherFocusReason);
     if (!wasPresented) fadeTo(1);
@@ -111,7 +111,7 @@ void OnboardingOverlay::fadeTo(double opacity) {
 }
 
 QWidget* OnboardingOverlay::anchoredView() const {
-    if (!m_index || *m_index < 0 || *m_index >= m_steps.size()) return nullptr;
+    if (!m_index || !isStep(*m_index)) return nullptr;
     return m_anchors.view(m_steps.at(*m_index).anchor);
 }
 
@@ -139,13 +139,35 @@ void OnboardingOverlay::watchAnchoredView() {
     parentWidget()->installEventFilter(this);
 }
 
+// The control may have come on screen since the step was shown.
+void OnboardingOverlay::followAnchoredView() {
+    const QWidget* const view = anchoredView();
+    if (!view || (!m_watched.empty() && m_watched.front() == view)) return;
+    revealAnchoredView();
+    watchAnchoredView();
+    moveTo(placement(), false);
+}
+
 bool OnboardingOverlay::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
+        case QEvent::KeyPress: {
+            // A button takes this key for moving on to the next button.
+            const bool isButton =
+                watched == m_card->nextButton() || watched == m_card->skipButton();
+            if (!isButton || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Right) break;
+            keyPressEvent(static_cast<QKeyEvent*>(event));
+            return true;
+        }
         case QEvent::Move:
         case QEvent::Resize:
         case QEvent::Show:
         case QEvent::Hide:
             if (!m_index) break;
+            // Its centre is what has a place; its size follows its text.
+            if (watched == m_card) {
+                if (event->type() == QEvent::Resize) show(m_shown);
+                break;
+            }
             if (watched == parentWidget()) setGeometry(parentWidget()->rect());
             moveTo(placement(), false);
             break;

@@ -56,6 +56,8 @@ private:
     QWidget* anchoredView() const;
     void revealAnchoredView();
     void watchAnchoredView();
+    void followAnchoredView();
+    bool isStep(int index) const { return index >= 0 && index < m_steps.size(); }
     Placement placement() const;
     void moveTo(const Placement& target, bool isAnimated);
     void show(const Placement& placement);

@@ -1,0 +1,142 @@
+#pragma once
+
+#include "Models/MaskGroup.h"
+#include "Platform/AccessibleIdentifier.h"
+#include "Views/DashboardView.h"
+#include "support/AppStateFixture.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QMenu>
+#include <QTest>
+#include <algorithm>
+#include <ostream>
+#include <stdexcept>
+
+inline void PrintTo(const QString& text, std::ostream* stream) {
+    *stream << '"' << text.toStdString() << '"';
+}
+
+inline void PrintTo(const QRect& rect, std::ostream* stream) {
+    *stream << rect.width() << "x" << rect.height() << "+" << rect.x() << "+" << rect.y();
+}
+
+/// The dashboard on an in-memory desktop, used with pointer and keyboard. Only what is on screen
+/// is found.
+class DashboardFixture : public AppStateFixture {
+protected:
+    void open(QSize size = {1180, 740}) {
+        m_view = std::make_unique<DashboardView>(state(), desktop().mainLoop);
+        m_view->resize(size);
+        m_view->show();
+        if (!QTest::qWaitForWindowActive(m_view.get()))
+            throw std::runtime_error("the dashboard does not become active");
+        settle();
+    }
+
+    /// Lets everything that is due happen.
+    void settle() {
+        advance(0);
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCoreApplication::processEvents();
+    }
+
+    /// What assistive technology calls it.
+    static QString nameOf(QWidget* view) {
+        return QAccessible::queryAccessibleInterface(view)->text(QAccessible::Name);
+    }
+
+    /// Null when there is none.
+    QWidget* find(const std::function<bool(QWidget*)>& isWanted) const {
+        const auto views = m_view->findChildren<QWidget*>();
+        const auto found = std::find_if(views.begin(), views.end(), [&](QWidget* view) {
+            return view->isVisible() && isWanted(view);
+        });
+        return found == views.end() ? nullptr : *found;
+    }
+    /// By name or identifier.
+    QWidget* findNamed(const QString& name) const {
+        return find([&](QWidget* each) {
+            return nameOf(each) == name || accessibleIdentifier(*each) == name;
+        });
+    }
+    bool has(const QString& name) const { return findNamed(name) != nullptr; }
+    /// Throws std::runtime_error when there is none.
+    QWidget* view(const QString& name) const {
+        QWidget* const found = findNamed(name);
+        if (!found) throw std::runtime_error("there is no " + name.toStdString());
+        return found;
+    }
+
+    /// The views of a class that has no meta-object of its own.
+    template <typename View>
+    QList<View*> all() const {
+        QList<View*> found;
+        for (QWidget* const each : m_view->findChildren<QWidget*>())
+            if (auto* const view = dynamic_cast<View*>(each)) found << view;
+        return found;
+    }
+
+    void click(QWidget* view) {
+        QWidget* const window = view->window();
+        QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {},
+                          view->mapTo(window, view->rect().center()));
+        settle();
+    }
+    void click(const QString& name) { click(view(name)); }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(m_view->windowHandle(), key, modifiers);
+        settle();
+    }
+    void type(const QString& text) {
+        QWidget* const field = QApplication::focusWidget();
+        ASSERT_NE(field, nullptr);
+        QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(field, Qt::Key_Delete);
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_unknown, {}, text);
+        QCoreApplication::sendEvent(field, &event);
+        settle();
+    }
+
+    static QMenu* openMenu() { return qobject_cast<QMenu*>(QApplication::activePopupWidget()); }
+    /// Opens the context menu, or null where there is none.
+    QMenu* contextMenu(QWidget* view) {
+        QContextMenuEvent event(QContextMenuEvent::Mouse, {4, 4}, view->mapToGlobal(QPoint(4, 4)));
+        QCoreApplication::sendEvent(view, &event);
+        settle();
+        return openMenu();
+    }
+    static QStringList titles(const QMenu* menu) {
+        QStringList all;
+        for (const QAction* const action : menu->actions())
+            all << action->text();
+        return all;
+    }
+    /// Chooses the item and closes every menu.
+    void choose(QMenu* menu, const QString& title) {
+        const auto index = titles(menu).indexOf(title);
+        if (index < 0) throw std::runtime_error("the menu has no " + title.toStdString());
+        menu->actions().at(index)->trigger();
+        while (QWidget* const popup = QApplication::activePopupWidget())
+            popup->close();
+        settle();
+    }
+
+    QUuid addGroup(const QString& name, bool isExpanded = true) {
+        const QUuid id = QUuid::createUuid();
+        state().groups.update([&](QList<MaskGroup>& all) {
+            all.append({id, name, isExpanded, true, false});
+        });
+        return id;
+    }
+    QUuid addMaskTo(const QUuid& group, const QString& name) {
+        const QUuid mask = addMask(name, {100, 100, 320, 180});
+        state().addMaskToGroup(mask, group);
+        return mask;
+    }
+    const ScreenMask& mask(qsizetype index = 0) { return masks().at(index); }
+    const MaskGroup& group(qsizetype index = 0) { return state().groups.value().at(index); }
+
+    std::unique_ptr<DashboardView> m_view;
+};

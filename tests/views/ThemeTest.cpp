@@ -1,0 +1,105 @@
+#include "Drawing/SystemColors.h"
+#include "Rendering.h"
+#include "Views/Design/Typography.h"
+#include "Views/Design/VeylaCard.h"
+#include "Views/Design/VeylaTheme.h"
+#include "Views/TurnUpdate.h"
+#include "support/HeadlessHarness.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+TEST(VeylaTheme, HasItsColours) {
+    const struct {
+        const char* name;
+        QColor color;
+        QString expected;
+    } colors[] = {
+        {"background", VeylaTheme::background(), u"#ff090a0f"_s},
+        {"window", VeylaTheme::window(), u"#ff0a0b10"_s},
+        {"windowSecondary", VeylaTheme::windowSecondary(), u"#ff0a0b10"_s},
+        {"sidebar", VeylaTheme::sidebar(), u"#ff0e1017"_s},
+        {"sidebarSecondary", VeylaTheme::sidebarSecondary(), u"#ff161a24"_s},
+        {"panel", VeylaTheme::panel(), u"#ff11131e"_s},
+        {"panelElevated", VeylaTheme::panelElevated(), u"#ff141826"_s},
+        {"panelMuted", VeylaTheme::panelMuted(), u"#ff0f1320"_s},
+        {"border", VeylaTheme::border(), u"#12ffffff"_s},
+        {"softBorder", VeylaTheme::softBorder(), u"#0dffffff"_s},
+        {"textPrimary", VeylaTheme::textPrimary(), u"#f5ffffff"_s},
+        {"textSecondary", VeylaTheme::textSecondary(), u"#ff94a3b8"_s},
+        {"textMuted", VeylaTheme::textMuted(), u"#ff64748b"_s},
+        {"accentBlue", VeylaTheme::accentBlue(), u"#ff6366f1"_s},
+        {"accentIndigo", VeylaTheme::accentIndigo(), u"#ff8b5cf6"_s},
+        {"accentGreen", VeylaTheme::accentGreen(), u"#ff10b981"_s},
+        {"accentRed", VeylaTheme::accentRed(), u"#fff43f5e"_s},
+    };
+    for (const auto& [name, color, expected] : colors)
+        EXPECT_EQ(color.name(QColor::HexArgb), expected) << name;
+    const QLinearGradient gradient = VeylaTheme::primaryGradient({10, 20, 100, 40});
+    EXPECT_EQ(gradient.start(), QPointF(10, 20));
+    EXPECT_EQ(gradient.finalStop(), QPointF(110, 20));
+    EXPECT_EQ(gradient.stops(), (QGradientStops{{0, u"#4F46E5"_s}, {1, u"#7C3AED"_s}}));
+}
+
+TEST(VeylaCard, IsARoundedPanelWithABorderOverItsContent) {
+    const Color border = SystemColors::white.withOpacity(0.07);
+    for (const bool elevated : {false, true}) {
+        SCOPED_TRACE(elevated);
+        auto* const content = new QWidget;
+        const std::unique_ptr<QWidget> card(veylaCard(content, elevated));
+        card->resize(120, 80);
+        QImage image(card->size(), QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        card->render(&image, {}, {}, QWidget::DrawChildren);
+        const Color fill = *Color::fromHex(elevated ? u"#141826"_s : u"#11131E"_s);
+        EXPECT_EQ(content->geometry(), QRect(0, 0, 120, 80)) << "no padding of its own";
+        EXPECT_TRUE(hasColor(image, {60, 40}, fill));
+        for (const QPoint edge : {QPoint(60, 0), QPoint(60, 79), QPoint(0, 40), QPoint(119, 40)})
+            EXPECT_TRUE(hasColor(image, edge, over(border, fill)));
+        EXPECT_TRUE(hasColor(image, {60, 1}, fill));
+        EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0);
+        EXPECT_EQ(image.pixelColor(2, 2).alpha(), 0) << "less round than 12 points";
+        EXPECT_GT(image.pixelColor(4, 4).alpha(), 200) << "rounder than 12 points";
+
+        content->setAutoFillBackground(true);
+        content->setPalette(QPalette(QPalette::Window, Qt::red));
+        card->render(&image, {}, {}, QWidget::DrawChildren);
+        EXPECT_TRUE(hasColor(image, {60, 0}, over(border, {1, 0, 0, 1}))) << "below the content";
+    }
+}
+
+TEST(Typography, OneLineHoldsWhatAWindowCanShow) {
+    const struct {
+        QString text;
+        QString line;
+    } cases[] = {
+        {u"a\r\nb\tc\u2028d\u2029e\u0085f"_s, u"a  b c d e f"_s},
+        {u"<b>&amp;"_s, u"<b>&amp;"_s},
+        {QString(999, u'x') + u"🙂"_s, QString(999, u'x')},
+        {QString(998, u'x') + u"🙂"_s, QString(998, u'x') + u"🙂"_s},
+    };
+    for (const auto& [text, line] : cases)
+        EXPECT_EQ(onOneLine(text), line);
+}
+
+TEST(TurnUpdate, ManyChangesInATurnAreOneUpdate) {
+    HeadlessHarness harness;
+    Published<int> first{0};
+    Published<QString> second;
+    int updates = 0;
+    {
+        TurnUpdate update(harness.mainLoop(), [&] { ++updates; });
+        update.follow(first, second);
+        harness.settle();
+        updates = 0;
+        for (int i = 0; i < 5; ++i) {
+            first.set(i);
+            second.set(QString::number(i));
+        }
+        EXPECT_EQ(updates, 0);
+        harness.settle();
+        EXPECT_EQ(updates, 1);
+        first.set(7);
+    }
+    harness.settle();
+    EXPECT_EQ(updates, 1) << "updated after its end";
+}
