@@ -60,6 +60,19 @@ TEST_F(ApplicationHostTest, AnAccessoryHasNoEntryInTheTaskBar) {
     ASSERT_TRUE(waitUntil([&] { return later->windowHandle()->isExposed(); }));
     EXPECT_FALSE(isListed(*later)) << "a window that is shown later";
     later->hide();
+    // Some managers leave a note on a window that they no longer manage.
+    const auto id = static_cast<xcb_window_t>(later->winId());
+    const xcb_atom_t state = m_connection->atom("WM_STATE");
+    ASSERT_TRUE(waitUntil([&] { return m_connection->property32(id, state).empty(); }));
+    NeighbourClient manager;
+    manager.setNumbers(id, u"WM_STATE"_s, u"WM_STATE"_s, {0, XCB_NONE});
+    manager.roundTrip();
+    later->show();
+    ASSERT_TRUE(waitUntil([&] {
+        return m_connection->property32(id, state) == std::vector<uint32_t>{1, XCB_NONE};
+    }));
+    EXPECT_FALSE(isListed(*later)) << "a window that is shown again";
+    later->hide();
     shown->hide();
     m_host.setActivationPolicy(ActivationPolicy::regular);
     later->show();
