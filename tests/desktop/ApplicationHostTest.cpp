@@ -101,6 +101,21 @@ TEST_F(ApplicationHostTest, AWindowComesToTheFrontFromBehindABusyProgram) {
     EXPECT_TRUE(comesToFront(*window)) << "from being hidden";
 }
 
+TEST_F(ApplicationHostTest, WindowsKeepTheOrderInWhichTheyAppeared) {
+    std::vector<std::unique_ptr<QWidget>> windows;
+    QStringList shown;
+    for (int i = 0; i < 8; ++i) {
+        shown << QString::number(i);
+        windows.push_back(makeWindow(shown.last()));
+    }
+    for (const auto& window : windows)
+        window->show();
+    QStringList told;
+    for (const auto& each : m_host.windows())
+        told << each->title();
+    EXPECT_EQ(told, shown) << told.join(u' ').toStdString();
+}
+
 TEST_F(ApplicationHostTest, WindowsAreToldApartAndLetGo) {
     auto window = makeWindow(u"Veyla"_s);
     const QWidget empty;
