@@ -36,7 +36,7 @@ public:
     virtual void setActivationPolicy(ActivationPolicy policy) = 0;
     /// Takes the front, away from whatever program has it.
     virtual void activateIgnoringOtherApps() = 0;
-    /// Oldest first. A window that is destroyed lets go of its object, so a weak pointer to one
-    /// tells whether it is still there.
+    /// In the order in which they were first shown. A window that is destroyed lets go of its
+    /// object, so a weak pointer to one tells whether it is still there.
     virtual std::vector<std::shared_ptr<HostWindow>> windows() = 0;
 };

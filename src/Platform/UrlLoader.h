@@ -44,8 +44,7 @@ public:
 
     /// Sends a GET request. Calls `completion` once from the main loop, never before this returns;
     /// letting go of the handle before then cancels the request silently, and inside `completion`
-    /// does nothing. Redirects are followed,
-    /// but never from https to another scheme.
+    /// does nothing. Redirects are followed, but never from https to another scheme.
     virtual Subscription load(const UrlRequest& request, Completion completion,
                               Progress progress = {}) = 0;
 };

@@ -60,6 +60,19 @@ TEST_F(ApplicationHostTest, AnAccessoryHasNoEntryInTheTaskBar) {
     ASSERT_TRUE(waitUntil([&] { return later->windowHandle()->isExposed(); }));
     EXPECT_FALSE(isListed(*later)) << "a window that is shown later";
     later->hide();
+    // Some managers leave a note on a window that they no longer manage.
+    const auto id = static_cast<xcb_window_t>(later->winId());
+    const xcb_atom_t state = m_connection->atom("WM_STATE");
+    ASSERT_TRUE(waitUntil([&] { return m_connection->property32(id, state).empty(); }));
+    NeighbourClient manager;
+    manager.setNumbers(id, u"WM_STATE"_s, u"WM_STATE"_s, {0, XCB_NONE});
+    manager.roundTrip();
+    later->show();
+    ASSERT_TRUE(waitUntil([&] {
+        return m_connection->property32(id, state) == std::vector<uint32_t>{1, XCB_NONE};
+    }));
+    EXPECT_FALSE(isListed(*later)) << "a window that is shown again";
+    later->hide();
     shown->hide();
     m_host.setActivationPolicy(ActivationPolicy::regular);
     later->show();
@@ -86,6 +99,21 @@ TEST_F(ApplicationHostTest, AWindowComesToTheFrontFromBehindABusyProgram) {
     ASSERT_TRUE(waitUntil([&] { return activeWindow() == other; }));
     windows.front()->makeKeyAndOrderFront();
     EXPECT_TRUE(comesToFront(*window)) << "from being hidden";
+}
+
+TEST_F(ApplicationHostTest, WindowsKeepTheOrderInWhichTheyAppeared) {
+    std::vector<std::unique_ptr<QWidget>> windows;
+    QStringList shown;
+    for (int i = 0; i < 8; ++i) {
+        shown << QString::number(i);
+        windows.push_back(makeWindow(shown.last()));
+    }
+    for (const auto& window : windows)
+        window->show();
+    QStringList told;
+    for (const auto& each : m_host.windows())
+        told << each->title();
+    EXPECT_EQ(told, shown) << told.join(u' ').toStdString();
 }
 
 TEST_F(ApplicationHostTest, WindowsAreToldApartAndLetGo) {

@@ -6,6 +6,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -151,6 +152,22 @@ TEST_F(ApplicationIdentityTest, ScopesNameTheirApplication) {
         EXPECT_TRUE(scope == expected)
             << each.cgroups.constData() << " gives "
             << scope.value_or(ApplicationScope{u"nothing"_s}).id.toStdString();
+    }
+}
+
+TEST_F(ApplicationIdentityTest, AScriptIsCalledByItsFile) {
+    const QString path = m_folder.filePath(u"kazam"_s);
+    for (const char* interpreter : {"/bin/sh", "/usr/bin/env sh"}) {
+        write(u"kazam"_s, QByteArray("#!") + interpreter + "\necho ready\nread line\n");
+        ASSERT_TRUE(
+            QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        QProcess script;
+        script.start(path, {});
+        ASSERT_TRUE(script.waitForReadyRead()) << interpreter;
+        const auto facts = readProcess(static_cast<pid_t>(script.processId()));
+        EXPECT_EQ(facts.value_or(ProcessFacts()).commandName.toStdString(), "kazam") << interpreter;
+        script.closeWriteChannel();
+        EXPECT_TRUE(script.waitForFinished()) << interpreter;
     }
 }
 

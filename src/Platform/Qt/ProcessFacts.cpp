@@ -1,5 +1,7 @@
 #include "Platform/Qt/ProcessFacts.h"
 
+#include "Platform/Qt/DesktopEntry.h"
+
 #include <QFile>
 #include <QList>
 #include <QRegularExpression>
@@ -47,10 +49,19 @@ QByteArray valueOf(const QByteArray& lines, const char* label) {
 QString commandNameOf(pid_t process, const QByteArray& status) {
     constexpr qsizetype longestName = 15;
     const QByteArray name = valueOf(status, "Name:");
-    if (name.size() >= longestName)
-        for (const QByteArray& argument : contentsOf(process, "cmdline").split('\0'))
-            if (QString whole = fileNameOf(argument); whole.toUtf8().startsWith(name)) return whole;
-    return QString::fromUtf8(name);
+    const QString ownName = QString::fromUtf8(name);
+    const bool isInterpreter = isSharedLauncher(ownName);
+    if (!isInterpreter && name.size() < longestName) return ownName;
+    const QList<QByteArray> arguments = contentsOf(process, "cmdline").split('\0');
+    if (isInterpreter) {
+        // The kernel names a process after a script, but not when "env" starts the interpreter.
+        const QByteArray script = arguments.value(1);
+        const bool isPath = script.contains('/') && !script.startsWith('-');
+        return isPath ? fileNameOf(script) : ownName;
+    }
+    for (const QByteArray& argument : arguments)
+        if (QString whole = fileNameOf(argument); whole.toUtf8().startsWith(name)) return whole;
+    return ownName;
 }
 
 // "\x2d" stands for the byte with that number.

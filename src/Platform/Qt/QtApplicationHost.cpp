@@ -66,23 +66,23 @@ std::vector<std::shared_ptr<HostWindow>> QtApplicationHost::windows() {
 
 void QtApplicationHost::takeInNewWindows() {
     const auto widgets = QApplication::topLevelWidgets();
-    for (QWidget* const widget : widgets) {
-        if (std::any_of(m_windows.begin(), m_windows.end(),
-                        [&](const auto& window) { return window->widget() == widget; }))
-            continue;
-        m_windows.push_back(std::make_shared<QtHostWindow>(*widget, m_windowManagement));
-        connect(widget, &QObject::destroyed, this, [this, widget] {
-            std::erase_if(m_windows,
-                          [&](const auto& window) { return window->widget() == widget; });
-        });
-    }
+    for (QWidget* const widget : widgets)
+        takeIn(*widget);
+}
+
+void QtApplicationHost::takeIn(QWidget& widget) {
+    const auto isIt = [&widget](const auto& window) { return window->widget() == &widget; };
+    if (std::any_of(m_windows.begin(), m_windows.end(), isIt)) return;
+    m_windows.push_back(std::make_shared<QtHostWindow>(widget, m_windowManagement));
+    connect(&widget, &QObject::destroyed, this, [this, isIt] { std::erase_if(m_windows, isIt); });
 }
 
 bool QtApplicationHost::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Show && m_policy == ActivationPolicy::accessory) {
-        const auto* const widget = qobject_cast<QWidget*>(watched);
-        if (widget && widget->isWindow() && widget->windowType() == Qt::Window)
-            m_windowManagement.setIsListed(widget->winId(), false);
-    }
+    auto* const widget = event->type() == QEvent::Show ? qobject_cast<QWidget*>(watched) : nullptr;
+    if (!widget || !widget->isWindow()) return false;
+    // The toolkit lists its windows in no order.
+    takeIn(*widget);
+    if (m_policy == ActivationPolicy::accessory && widget->windowType() == Qt::Window)
+        m_windowManagement.setIsListed(widget->winId(), false);
     return false;
 }

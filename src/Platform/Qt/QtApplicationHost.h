@@ -19,11 +19,13 @@ public:
     void activateIgnoringOtherApps() override;
     std::vector<std::shared_ptr<HostWindow>> windows() override;
 
-    // Every window is listed, or not, from the moment it is shown.
+    // Every window has its place among the others, and is listed or not, from the moment it is
+    // shown.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void takeInNewWindows();
+    void takeIn(QWidget& widget);
 
     WindowManagement& m_windowManagement;
     ActivationPolicy m_policy = ActivationPolicy::regular;

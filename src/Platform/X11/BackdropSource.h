@@ -13,10 +13,9 @@
 #include <xcb/damage.h>
 #include <xcb/render.h>
 
-/// Pictures of what lies below a window. While it is
-/// active the server keeps every top-level window of others in a pixmap of its own, and tells when
-/// one changes. A plain colour that somebody draws on the root is seen with the next other change.
-/// All rectangles are in pixels of the root.
+/// Pictures of what lies below a window. While it is active the server keeps every top-level window
+/// of others in a pixmap of its own, and tells when one changes. A plain colour that somebody draws
+/// on the root is seen with the next other change. All rectangles are in pixels of the root.
 class BackdropSource {
 public:
     /// `connection` must outlive the source.

@@ -5,6 +5,8 @@
 
 namespace {
 
+// WM_STATE, ICCCM 2.0.
+constexpr uint32_t withdrawnState = 0;
 // _NET_WM_STATE and _NET_ACTIVE_WINDOW, EWMH 1.5.
 constexpr uint32_t stateRemove = 0;
 constexpr uint32_t stateAdd = 1;
@@ -15,44 +17,36 @@ constexpr uint32_t sourcePager = 2;
 
 }  // namespace
 
-X11WindowManagement::X11WindowManagement(XcbConnection& connection)
-    : m_connection(connection),
-      m_wmState(intern("WM_STATE")),
-      m_netWmState(intern("_NET_WM_STATE")),
-      m_skipTaskBar(intern("_NET_WM_STATE_SKIP_TASKBAR")),
-      m_skipPager(intern("_NET_WM_STATE_SKIP_PAGER")),
-      m_activeWindow(intern("_NET_ACTIVE_WINDOW")) {}
-
-xcb_atom_t X11WindowManagement::intern(const QByteArray& name) const {
-    const auto reply =
-        xcbReply(xcb_intern_atom_reply, m_connection.get(),
-                 xcb_intern_atom(m_connection, 0, static_cast<uint16_t>(name.size()), name));
-    return reply ? reply->atom : XCB_NONE;
-}
-
 void X11WindowManagement::setIsListed(quint64 window, bool isListed) {
     const auto target = static_cast<xcb_window_t>(window);
-    // Only the window manager may change the state of a window that it manages.
-    if (m_connection.property32(target, m_wmState).empty())
+    const X11Atoms& atoms = m_connection.atoms();
+    // Only the window manager may change the state of a window that it manages. When it stops to do
+    // so, it removes this property or sets it to "withdrawn".
+    const auto state = m_connection.property32(target, atoms.wmState);
+    if (state.empty() || state.front() == withdrawnState)
         changeStateOfHidden(target, isListed);
     else
-        send(target, m_netWmState,
-             {isListed ? stateRemove : stateAdd, m_skipTaskBar, m_skipPager, sourceApplication, 0});
+        send(target, atoms.netWmState,
+             {isListed ? stateRemove : stateAdd, atoms.netWmStateSkipTaskbar,
+              atoms.netWmStateSkipPager, sourceApplication, 0});
 }
 
 void X11WindowManagement::changeStateOfHidden(xcb_window_t window, bool isListed) {
-    auto states = m_connection.property32(window, m_netWmState);
-    std::erase_if(states,
-                  [&](xcb_atom_t state) { return state == m_skipTaskBar || state == m_skipPager; });
-    if (!isListed) states.insert(states.end(), {m_skipTaskBar, m_skipPager});
-    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, m_netWmState, XCB_ATOM_ATOM,
-                        32, static_cast<uint32_t>(states.size()), states.data());
+    const X11Atoms& atoms = m_connection.atoms();
+    const std::array hidden{atoms.netWmStateSkipTaskbar, atoms.netWmStateSkipPager};
+    auto states = m_connection.property32(window, atoms.netWmState);
+    std::erase_if(states, [&](xcb_atom_t state) {
+        return std::find(hidden.begin(), hidden.end(), state) != hidden.end();
+    });
+    if (!isListed) states.insert(states.end(), hidden.begin(), hidden.end());
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, atoms.netWmState,
+                        XCB_ATOM_ATOM, 32, static_cast<uint32_t>(states.size()), states.data());
     // The toolkit reads it on a connection of its own when it shows the window.
     xcbReply(xcb_get_input_focus_reply, m_connection.get(), xcb_get_input_focus(m_connection));
 }
 
 void X11WindowManagement::activate(quint64 window) {
-    send(static_cast<xcb_window_t>(window), m_activeWindow,
+    send(static_cast<xcb_window_t>(window), m_connection.atoms().netActiveWindow,
          {sourcePager, XCB_CURRENT_TIME, XCB_NONE, 0, 0});
 }
 

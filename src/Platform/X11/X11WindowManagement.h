@@ -8,20 +8,14 @@
 /// Talks to the window manager by its EWMH messages. The connection must outlive it.
 class X11WindowManagement final : public WindowManagement {
 public:
-    explicit X11WindowManagement(XcbConnection& connection);
+    explicit X11WindowManagement(XcbConnection& connection) : m_connection(connection) {}
 
     void setIsListed(quint64 window, bool isListed) override;
     void activate(quint64 window) override;
 
 private:
-    xcb_atom_t intern(const QByteArray& name) const;
     void send(xcb_window_t window, xcb_atom_t type, const std::array<uint32_t, 5>& data);
     void changeStateOfHidden(xcb_window_t window, bool isListed);
 
     XcbConnection& m_connection;
-    xcb_atom_t m_wmState;
-    xcb_atom_t m_netWmState;
-    xcb_atom_t m_skipTaskBar;
-    xcb_atom_t m_skipPager;
-    xcb_atom_t m_activeWindow;
 };

@@ -63,11 +63,15 @@ XcbConnection::~XcbConnection() {
 
 void XcbConnection::internAtoms(int screenNumber) {
     const QByteArray number = QByteArray::number(screenNumber);
-    const std::array<std::pair<QByteArray, xcb_atom_t*>, 18> names{{
+    const std::array<std::pair<QByteArray, xcb_atom_t*>, 22> names{{
         {"_VEYLA_MASK_ID", &m_atoms.veylaMaskID},
         {"UTF8_STRING", &m_atoms.utf8String},
         {"_NET_WM_NAME", &m_atoms.netWmName},
         {"_NET_WM_PID", &m_atoms.netWmPid},
+        {"WM_STATE", &m_atoms.wmState},
+        {"_NET_WM_STATE", &m_atoms.netWmState},
+        {"_NET_WM_STATE_SKIP_TASKBAR", &m_atoms.netWmStateSkipTaskbar},
+        {"_NET_WM_STATE_SKIP_PAGER", &m_atoms.netWmStateSkipPager},
         {"_NET_WM_WINDOW_TYPE", &m_atoms.netWmWindowType},
         {"_NET_WM_WINDOW_TYPE_DOCK", &m_atoms.netWmWindowTypeDock},
         {"_NET_CLIENT_LIST", &m_atoms.netClientList},

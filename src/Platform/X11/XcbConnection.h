@@ -21,6 +21,10 @@ struct X11Atoms {
     xcb_atom_t utf8String = XCB_NONE;
     xcb_atom_t netWmName = XCB_NONE;
     xcb_atom_t netWmPid = XCB_NONE;
+    xcb_atom_t wmState = XCB_NONE;
+    xcb_atom_t netWmState = XCB_NONE;
+    xcb_atom_t netWmStateSkipTaskbar = XCB_NONE;
+    xcb_atom_t netWmStateSkipPager = XCB_NONE;
     xcb_atom_t netWmWindowType = XCB_NONE;
     xcb_atom_t netWmWindowTypeDock = XCB_NONE;
     xcb_atom_t netClientList = XCB_NONE;
