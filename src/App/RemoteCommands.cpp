@@ -84,7 +84,7 @@ CommandResult RemoteCommands::setAreMasksVisible(bool areVisible) {
 
 CommandResult RemoteCommands::toggleDashboard() {
     if (!m_state.canOpenDashboardWindow())
-        return nothingToActOn(QStringLiteral("This version of Veyla has no dashboard."));
+        return nothingToActOn(QStringLiteral("There is no dashboard to open."));
     m_state.toggleDashboardWindow();
     return {};
 }

@@ -120,7 +120,7 @@ TEST_F(RemoteCommandsTest, TellsInOneLineWhatItCannotDo) {
     dashboard.reset();
     EXPECT_EQ(commands.perform({u"toggle-dashboard"_s}),
               (CommandResult{ExitStatus::nothingToActOn, QString(),
-                             u"This version of Veyla has no dashboard."_s}));
+                             u"There is no dashboard to open."_s}));
 
     state.createMask();
     state.setOpacity(state.masks.value().first().id, std::numeric_limits<double>::infinity());
