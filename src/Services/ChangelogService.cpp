@@ -11,9 +11,8 @@ namespace {
 constexpr int statusOk = 200;
 
 std::optional<QUrl> latestURL() {
-    constexpr const char* variable = "VEYLA_CHANGELOG_URL";
-    const QString text = qEnvironmentVariableIsSet(variable)
-                             ? qEnvironmentVariable(variable)
+    const QString text = qEnvironmentVariableIsSet("VEYLA_CHANGELOG_URL")
+                             ? qEnvironmentVariable("VEYLA_CHANGELOG_URL")
                              : QStringLiteral("https://" VEYLA_WEB_HOST "/api/changelog/latest");
     const QUrl url(text, QUrl::StrictMode);
     if (url.isEmpty() || !url.isValid() || url.isRelative()) return std::nullopt;

@@ -132,12 +132,12 @@ void LayerList::buildLines() {
     // One pass, so that many groups cost no more than few.
     QHash<QUuid, std::vector<qsizetype>> members;
     std::vector<qsizetype> ungrouped;
+    for (const MaskGroup& group : groups)
+        members[group.id] = {};
     for (qsizetype index = 0; index < masks.size(); ++index) {
-        const auto& groupID = masks[index].groupID;
-        if (groupID)
-            members[*groupID].push_back(index);
-        else
-            ungrouped.push_back(index);
+        // A mask must be in the list, even if a file names a group for it that is not there.
+        const auto inside = members.find(masks[index].groupID.value_or(QUuid()));
+        (inside != members.end() ? *inside : ungrouped).push_back(index);
     }
 
     const int maskHeight = MaskRowView::rowHeight();
