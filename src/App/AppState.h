@@ -194,6 +194,7 @@ public:
     void openDashboardWindow();
     void toggleDashboardWindow();
     void hideDashboardWindow();
+    /// Whether there is a window, or a way to make one.
     bool canOpenDashboardWindow() const;
     bool isDashboardWindowVisible() const;
 
