@@ -195,6 +195,7 @@ public:
     void openDashboardWindow();
     void toggleDashboardWindow();
     void hideDashboardWindow();
+    /// Whether there is a window, or a way to make one.
     bool canOpenDashboardWindow() const;
     /// The program was started without its window: its first appearance is then the user's wish,
     /// which decides nothing more where the program stays in the tray.

@@ -49,7 +49,7 @@ QByteArray valueOf(const QByteArray& lines, const char* label) {
 QString commandNameOf(pid_t process, const QByteArray& status) {
     constexpr qsizetype longestName = 15;
     const QByteArray name = valueOf(status, "Name:");
-    const QString ownName = QString::fromUtf8(name);
+    QString ownName = QString::fromUtf8(name);
     const bool isInterpreter = isSharedLauncher(ownName);
     if (!isInterpreter && name.size() < longestName) return ownName;
     const QList<QByteArray> arguments = contentsOf(process, "cmdline").split('\0');

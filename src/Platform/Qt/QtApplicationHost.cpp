@@ -5,6 +5,15 @@
 #include <QWidget>
 #include <algorithm>
 
+namespace {
+
+// Menus, tooltips and tool windows are in no task bar anyway.
+bool mayBeListed(const QWidget& window) {
+    return window.windowType() == Qt::Window || window.windowType() == Qt::Dialog;
+}
+
+}  // namespace
+
 class QtHostWindow final : public HostWindow {
 public:
     QtHostWindow(QWidget& widget, WindowManagement& windowManagement)
@@ -20,7 +29,7 @@ public:
     const QWidget* widget() const { return &m_widget; }
     void setIsListed(bool isListed) {
         // One without a native window is told when it is shown.
-        if (m_widget.testAttribute(Qt::WA_WState_Created))
+        if (m_widget.testAttribute(Qt::WA_WState_Created) && mayBeListed(m_widget))
             m_windowManagement.setIsListed(m_widget.winId(), isListed);
     }
 
@@ -82,7 +91,7 @@ bool QtApplicationHost::eventFilter(QObject* watched, QEvent* event) {
     if (!widget || !widget->isWindow()) return false;
     // The toolkit lists its windows in no order.
     takeIn(*widget);
-    if (m_policy == ActivationPolicy::accessory && widget->windowType() == Qt::Window)
+    if (m_policy == ActivationPolicy::accessory && mayBeListed(*widget))
         m_windowManagement.setIsListed(widget->winId(), false);
     return false;
 }
