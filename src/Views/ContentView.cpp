@@ -6,6 +6,7 @@
 #include <QAction>
 #include <QHideEvent>
 #include <QMenuBar>
+#include <QWindow>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -66,7 +67,12 @@ void ContentView::hideEvent(QHideEvent* event) {
 }
 
 void ContentView::showEvent(QShowEvent* event) {
-    if (!event->spontaneous() && !m_geometry.isEmpty()) restoreGeometry(m_geometry);
+    if (!event->spontaneous() && !m_geometry.isEmpty()) {
+        restoreGeometry(m_geometry);
+        // A place that has not changed since is not asked for again by itself, and the desktop
+        // would choose another.
+        windowHandle()->setPosition(windowHandle()->position());
+    }
     QMainWindow::showEvent(event);
     m_state.handleDashboardWindowAppearance();
 }

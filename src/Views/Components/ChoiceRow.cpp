@@ -99,10 +99,9 @@ void ChoiceRow::add(QRadioButton* button) {
     const int index = static_cast<int>(m_buttons.size());
     m_buttons.push_back(button);
     layout()->addWidget(button);
-    // The arrow keys click, too. Pressing the one that holds already chooses it again, which
-    // changes nothing.
-    connect(button, &QRadioButton::clicked, this, [this, index] {
-        if (m_onChoose) m_onChoose(index);
+    // Assistive technology chooses without a click.
+    connect(button, &QRadioButton::toggled, this, [this, index](bool isChosen) {
+        if (isChosen && m_onChoose) m_onChoose(index);
     });
 }
 

@@ -58,6 +58,7 @@ MaskGroupRowView::MaskGroupRowView(const MaskGroup& group, qsizetype maskCount,
     layout->addStretch(0);
     layout->addWidget(m_visibility);
     layout->addWidget(m_lock);
+    m_field->setAccessibleName(m_field->placeholderText());
     m_field->hide();
     m_field->installEventFilter(this);
     setAccessibleIdentifier(*this, u"group-row-"_s + uuidText(group.id));
