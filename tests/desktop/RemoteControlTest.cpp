@@ -141,8 +141,10 @@ TEST_F(RemoteControlTest, TheRunningProgramDoesWhatLaterOnesAsk) {
 
     EXPECT_EQ(run({u"apply-preset"_s, u"--"_s, u"-Büro"_s}),
               (Ended{1, {}, "No preset is named \"-Büro\".\n"}));
-    EXPECT_EQ(run({u"toggle-dashboard"_s}),
-              (Ended{1, {}, "This version of Veyla has no dashboard.\n"}));
+    for (const bool isVisible : {true, false}) {
+        EXPECT_EQ(run({u"toggle-dashboard"_s}), (Ended{0, {}, {}}));
+        EXPECT_EQ(status()[u"dashboardVisible"].toBool(!isVisible), isVisible);
+    }
     const QByteArray already = u"Veyla is already running (pid %1).\n"_s.arg(veyla->pid()).toUtf8();
     EXPECT_EQ(run({}), (Ended{0, already, {}}));
     EXPECT_EQ(run({u"--background"_s}), (Ended{0, already, {}}));

@@ -46,8 +46,8 @@ void VeylaSession::start() {
 
 void VeylaSession::restart() {
     process.reset();
-    process = std::make_unique<ChildProcess>(QStringLiteral(VEYLA_PROGRAM),
-                                             QStringList(u"--background"_s), environment);
+    process =
+        std::make_unique<ChildProcess>(QStringLiteral(VEYLA_PROGRAM), startArguments, environment);
     requireSoon("the masks are on screen", [&] {
         if (process->isRunning()) return isEveryMaskShownOnce();
         throw std::runtime_error("veyla ended: " + process->standardError().toStdString());

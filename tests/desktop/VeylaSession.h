@@ -67,6 +67,8 @@ public:
     /// For the program; changes count from the next start on.
     QProcessEnvironment environment;
     WorkspaceSnapshot workspace;
+    /// What the program is started with. The dashboard stays away from tests of masks.
+    QStringList startArguments{QStringLiteral("--background")};
     XProbe probe;
     XTestInput input;
     NeighbourClient neighbour;

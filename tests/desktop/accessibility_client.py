@@ -1,7 +1,11 @@
 """Looks at Veyla the way assistive technology does.
 
 tree   prints a line for every child of the application: identifier, label, role, states, rectangle
+all    prints the same for every element of the application that is on screen
+press, set, type
+       use the element of that identifier or name: press it, give it a value, or replace its text
 watch  prints "ready", then a line for every event: type, first detail, text or element
+focus  prints "ready", then the name or identifier of every element that gets the keyboard
 """
 
 import sys
@@ -9,6 +13,7 @@ import sys
 import pyatspi
 
 STATES = {
+    pyatspi.STATE_CHECKED: "checked",
     pyatspi.STATE_SELECTABLE: "selectable",
     pyatspi.STATE_SELECTED: "selected",
     pyatspi.STATE_SHOWING: "showing",
@@ -18,7 +23,7 @@ STATES = {
 
 def describe(element):
     identifier = element.get_accessible_id()
-    if element.get_attributes() != {"id": identifier}:
+    if identifier and element.get_attributes() != {"id": identifier}:
         identifier += " is not in the attributes"
     held = element.getState()
     states = " ".join(name for state, name in STATES.items() if held.contains(state))
@@ -34,11 +39,58 @@ def report(event):
     print(event.type, event.detail1, subject, flush=True)
 
 
-if sys.argv[1] == "tree":
-    for application in pyatspi.Registry.getDesktop(0):
-        if application.name == "veyla":
-            for child in application:
-                print(describe(child))
+def report_focus(event):
+    if event.detail1 == 1:
+        print(event.source.name or event.source.get_accessible_id(), flush=True)
+
+
+def elements_on_screen(element):
+    for child in element:
+        if child and child.getState().contains(pyatspi.STATE_SHOWING):
+            yield child
+            yield from elements_on_screen(child)
+
+
+def veyla():
+    return [each for each in pyatspi.Registry.getDesktop(0) if each and each.name == "veyla"]
+
+
+def use(mode, name, value):
+    for application in veyla():
+        for element in elements_on_screen(application):
+            if name not in (element.name, element.get_accessible_id()):
+                continue
+            try:
+                if mode == "press":
+                    actions = element.queryAction()
+                    names = [actions.getName(index) for index in range(actions.nActions)]
+                    wanted = [index for index, each in enumerate(names) if each != "SetFocus"]
+                    return actions.doAction(wanted[0])
+                if mode == "set":
+                    element.queryValue().currentValue = float(value)
+                    return True
+                return element.queryEditableText().setTextContents(value)
+            except (NotImplementedError, IndexError):
+                # A label beside a control bears the same name.
+                continue
+    return False
+
+
+mode = sys.argv[1]
+if mode == "tree":
+    for application in veyla():
+        for child in application:
+            print(describe(child))
+elif mode == "all":
+    for application in veyla():
+        for element in elements_on_screen(application):
+            print(describe(element))
+elif mode in ("press", "set", "type"):
+    sys.exit(not use(mode, sys.argv[2], sys.argv[-1]))
+elif mode == "focus":
+    pyatspi.Registry.registerEventListener(report_focus, "object:state-changed:focused")
+    print("ready", flush=True)
+    pyatspi.Registry.start()
 else:
     pyatspi.Registry.registerEventListener(
         report, "object:announcement", "object:property-change:accessible-name",

@@ -34,7 +34,11 @@ protected:
 
     void start(QSize size = {1180, 740}) {
         open(size);
+        state().replayOnboarding();
+        settle();
         overlay().setAnimated(false);
+        state().finishOnboarding();
+        settle();
         state().replayOnboarding();
         settle();
         ASSERT_TRUE(overlay().isVisible());

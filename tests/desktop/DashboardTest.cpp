@@ -1,0 +1,424 @@
+#include "desktop/VeylaTest.h"
+
+#include <QJsonArray>
+#include <QRegularExpression>
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+// Keysyms.
+constexpr std::uint32_t control = 0xffe3, alt = 0xffe9, super = 0xffeb, tab = 0xff09,
+                        enter = 0xff0d, escape = 0xff1b, right = 0xff53, down = 0xff54, f2 = 0xffbf,
+                        erase = 0xffff, space = 0x20;
+
+class DashboardTest : public VeylaTest {
+protected:
+    DashboardTest() : VeylaTest({.hasAccessibilityBus = true}) { startArguments.clear(); }
+
+    void TearDown() override {
+        VeylaTest::TearDown();
+        EXPECT_EQ(process->standardError().constData(), QByteArray());
+    }
+
+    /// Of the window that the desktop lists as the dashboard; XCB_NONE while there is none.
+    xcb_window_t dashboard() const {
+        for (const xcb_window_t id : probe.numbersOf(probe.root(), u"_NET_CLIENT_LIST"_s))
+            if (probe.textOf(id, u"_NET_WM_NAME"_s) == u"Veyla" && neighbour.isViewable(id))
+                return id;
+        return XCB_NONE;
+    }
+    /// With the decorations.
+    QRect dashboardFrame() const {
+        const auto window = probe.window(probe.topLevelOf(dashboard()));
+        return window ? window->frame : QRect();
+    }
+    testing::AssertionResult showsDashboard(bool isShown = true) {
+        const bool isDone = waitUntil([&] { return (dashboard() != XCB_NONE) == isShown; }) &&
+                            status()[u"dashboardVisible"].toBool(!isShown) == isShown;
+        return isDone ? testing::AssertionSuccess() : testing::AssertionFailure();
+    }
+    bool isInFront() const {
+        const auto active = probe.numbersOf(probe.root(), u"_NET_ACTIVE_WINDOW"_s);
+        return !active.empty() && active.front() == dashboard();
+    }
+    void openDashboard() {
+        start();
+        requireSoon("the dashboard is in front",
+                    [&] { return dashboard() != XCB_NONE && isInFront(); });
+    }
+
+    std::unique_ptr<ChildProcess> client(const QStringList& arguments) const {
+        return std::make_unique<ChildProcess>(
+            u"/usr/bin/python3"_s,
+            QStringList(QStringLiteral(VEYLA_SOURCE_DIR "/tests/desktop/accessibility_client.py")) +
+                arguments,
+            desktop.environment());
+    }
+    bool use(const QStringList& arguments) const {
+        return client(arguments)->waitForExit(defaultWait) == 0;
+    }
+    /// The elements on screen: identifier, name, role, states, rectangle.
+    QList<QStringList> elements() const {
+        const auto reader = client({u"all"_s});
+        if (reader->waitForExit(defaultWait) != 0)
+            ADD_FAILURE() << reader->standardError().constData();
+        QList<QStringList> all;
+        for (const QString& line : QString::fromUtf8(reader->standardOutput()).split(u'\n'))
+            if (line.count(u" | "_s) == 4) all << line.split(u" | "_s);
+        return all;
+    }
+    /// The elements with that identifier or name.
+    QList<QStringList> named(const QString& name) const {
+        auto all = elements();
+        all.removeIf([&](const auto& each) { return each[0] != name && each[1] != name; });
+        return all;
+    }
+    QRect placeOf(const QString& name) const {
+        const auto found = named(name);
+        if (found.isEmpty()) throw std::runtime_error("there is no " + name.toStdString());
+        const auto numbers = found.first()[4].split(QRegularExpression(u"[x+]"_s));
+        return {numbers[2].toInt(), numbers[3].toInt(), numbers[0].toInt(), numbers[1].toInt()};
+    }
+    testing::AssertionResult shows(const QStringList& names) const {
+        QStringList missing;
+        if (waitUntil([&] {
+                const auto all = elements();
+                missing.clear();
+                for (const QString& name : names)
+                    if (std::none_of(all.begin(), all.end(), [&](const auto& each) {
+                            return each[0] == name || each[1] == name;
+                        }))
+                        missing << name;
+                return missing.isEmpty();
+            }))
+            return testing::AssertionSuccess();
+        return testing::AssertionFailure() << "no " << missing.join(u", "_s).toStdString();
+    }
+
+    /// A member of a mask, or of a group, as `status` tells.
+    QJsonValue valueOf(const char* list, const char* member, qsizetype index = 0) {
+        return status()[QLatin1String(list)].toArray().at(index)[QLatin1String(member)];
+    }
+    testing::AssertionResult becomes(const char* list, const char* member,
+                                     const QJsonValue& value) {
+        QJsonValue seen;
+        if (waitUntil([&] { return (seen = valueOf(list, member)) == value; }))
+            return testing::AssertionSuccess();
+        return testing::AssertionFailure()
+               << member << " is " << seen.toVariant().toString().toStdString();
+    }
+
+    /// The menu that is open on the screen.
+    std::optional<XWindow> menu() const {
+        // The window manager has a small window of that kind, too.
+        for (const XWindow& window : probe.rootChildren())
+            if (window.isMapped && window.isOverrideRedirect && window.frame.width() > 100 &&
+                !probe.textOf(window.id, u"_VEYLA_MASK_ID"_s))
+                return window;
+        return std::nullopt;
+    }
+
+    void key(std::uint32_t keysym) { input.typeKeysyms({keysym}); }
+    void shortcut(char letter) {
+        input.typeKeysyms({control, alt, static_cast<std::uint32_t>(letter)});
+    }
+
+    static QString rowOf(const QUuid& mask) { return u"mask-row-"_s + uuidText(mask); }
+    QUuid addGroup() {
+        workspace.groups.append({QUuid::createUuid(), u"Calls"_s, true, true, false});
+        return workspace.groups.last().id;
+    }
+};
+
+TEST_F(DashboardTest, AReaderFindsReadsAndUsesEveryControl) {
+    const QUuid mask = addMask({900, 500, 321.9, 181.9});
+    workspace.masks[0].colorHex = u"#007AFF"_s;
+    workspace.masks[0].opacity = 0.86;
+    const QString group = u"group-row-"_s + uuidText(addGroup());
+    openDashboard();
+    EXPECT_TRUE(shows({u"create-mask-button"_s, u"Create new mask"_s,
+                       u"toggle-all-visibility-button"_s, u"Hide All"_s, u"Lock Editing"_s,
+                       u"Veyla"_s, u"Screen Privacy Tool"_s, u"Active Layers"_s, u"Masks: 1"_s,
+                       u"Presets: 0"_s, u"Active: ON"_s, group, u"Calls, 0 masks"_s}));
+    const auto row = named(rowOf(mask));
+    ASSERT_EQ(row.size(), 1);
+    EXPECT_EQ(row[0][1], u"Mask 1, Blackout, 86% opacity, visible");
+    EXPECT_EQ(row[0][2], u"list item");
+
+    ASSERT_TRUE(use({u"press"_s, rowOf(mask)}));
+    EXPECT_TRUE(shows({u"mask-name-field"_s,
+                       u"Mask name"_s,
+                       u"321 × 181 px · Blackout"_s,
+                       u"Duplicate"_s,
+                       u"Hide"_s,
+                       u"Appearance & Behavior"_s,
+                       u"Mask Style"_s,
+                       u"Opacity"_s,
+                       u"86%"_s,
+                       u"Mask Color"_s,
+                       u"Toggles"_s,
+                       u"Position & Scaling"_s,
+                       u"X: 900,  Y: 500 px"_s,
+                       u"Nudge Layer"_s,
+                       u"Resize Layer"_s,
+                       u"Narrower (-20)"_s,
+                       u"Shorter (-10)"_s,
+                       u"Mask ID: "_s + uuidText(mask),
+                       u"delete-mask-button"_s,
+                       u"Delete mask permanently"_s}));
+    EXPECT_TRUE(named(u"Blue"_s).value(0).value(3).contains(u"checked"_s));
+    EXPECT_TRUE(named(rowOf(mask)).value(0).value(3).contains(u"selected"_s));
+
+    const std::pair<QStringList, std::function<testing::AssertionResult()>> uses[] = {
+        {{u"press"_s, u"Frosted"_s}, [&] { return becomes("masks", "style", u"frosted"_s); }},
+        {{u"set"_s, u"Opacity"_s, u"0.5"_s}, [&] { return becomes("masks", "opacity", 0.5); }},
+        {{u"set"_s, u"Opacity"_s, u"0.01"_s}, [&] { return becomes("masks", "opacity", 0.15); }},
+        {{u"press"_s, u"Red"_s}, [&] { return becomes("masks", "colorHex", u"#FF3B30"_s); }},
+        {{u"press"_s, u"Click-through"_s},
+         [&] { return becomes("masks", "isClickThrough", true); }},
+        {{u"press"_s, u"Hide"_s}, [&] { return becomes("masks", "isVisible", false); }},
+        {{u"press"_s, u"Visible"_s}, [&] { return becomes("masks", "isVisible", true); }},
+        {{u"press"_s, u"Hide Group"_s}, [&] { return becomes("groups", "isVisible", false); }},
+        {{u"press"_s, u"Lock Group"_s}, [&] { return becomes("groups", "isLocked", true); }},
+        {{u"press"_s, u"Lock Editing"_s}, [&] { return shows({u"Active: OFF"_s}); }},
+        {{u"type"_s, u"mask-name-field"_s, u"Typed"_s}, [&] { return shows({u"Frosted"_s}); }},
+    };
+    for (const auto& [arguments, holds] : uses) {
+        EXPECT_TRUE(use(arguments)) << arguments.join(u' ').toStdString();
+        EXPECT_TRUE(holds()) << arguments.join(u' ').toStdString();
+    }
+    EXPECT_EQ(valueOf("masks", "name"), u"Mask 1"_s) << "typed and not submitted";
+    ASSERT_TRUE(use({u"press"_s, u"delete-mask-button"_s}));
+    EXPECT_TRUE(shows({u"No Mask Selected"_s, u"empty-state-create-button"_s,
+                       u"Select a mask from the sidebar or create a new one."_s}));
+    ASSERT_TRUE(use({u"press"_s, u"empty-state-replay-walkthrough"_s}));
+    EXPECT_TRUE(shows(
+        {u"onboarding-overlay"_s, u"onboarding-skip-button"_s, u"1 of 5"_s, u"Create a mask"_s}));
+    for (int step = 2; step <= 5; ++step) {
+        ASSERT_TRUE(use({u"press"_s, u"onboarding-next-button"_s}));
+        EXPECT_TRUE(shows({u"%1 of 5"_s.arg(step), step == 5 ? u"Done"_s : u"Next"_s}));
+    }
+    ASSERT_TRUE(use({u"press"_s, u"Done"_s}));
+    EXPECT_TRUE(waitUntil([&] { return named(u"onboarding-overlay"_s).isEmpty(); }));
+}
+
+TEST_F(DashboardTest, TheKeyboardAloneDoesEverything) {
+    openDashboard();
+    const auto watcher = client({u"focus"_s});
+    ASSERT_EQ(watcher->waitForFirstLine(), "ready");
+    const auto focusChanges = [&] {
+        return QString::fromUtf8(watcher->standardOutput()).split(u'\n', Qt::SkipEmptyParts);
+    };
+    // Presses Tab until the element has the keyboard.
+    const auto tabTo = [&](const QString& name) {
+        for (int i = 0; i < 60; ++i) {
+            const qsizetype before = focusChanges().size();
+            key(tab);
+            if (!waitUntil([&] { return focusChanges().size() > before; })) break;
+            if (focusChanges().last().startsWith(name)) return testing::AssertionSuccess();
+        }
+        return testing::AssertionFailure() << focusChanges().join(u'\n').toStdString();
+    };
+    const auto pressIn = [&](const QString& name, std::uint32_t keysym) {
+        ASSERT_TRUE(tabTo(name)) << name.toStdString();
+        key(keysym);
+    };
+
+    input.typeKeysyms({control, 'n'});
+    shortcut('n');
+    ASSERT_TRUE(becomes("masks", "name", u"Mask 1"_s));
+    EXPECT_EQ(status()[u"masks"].toArray().size(), 1) << "Control and N creates something";
+    ASSERT_TRUE(tabTo(u"Mask name"_s));
+    input.typeKeysyms({control, 'a'});
+    for (const char letter : {'c', 'h', 'a', 't'})
+        key(static_cast<std::uint32_t>(letter));
+    key(enter);
+    EXPECT_TRUE(becomes("masks", "name", u"chat"_s));
+    const QJsonValue frame = valueOf("masks", "frame");
+    pressIn(u"Blackout"_s, right);
+    ASSERT_TRUE(waitUntil([&] { return focusChanges().last() == u"Frosted"; }));
+    EXPECT_TRUE(becomes("masks", "style", u"frosted"_s));
+    pressIn(u"Opacity"_s, 0xff50);  // Home
+    EXPECT_TRUE(becomes("masks", "opacity", 0.15));
+    pressIn(u"Graphite"_s, space);
+    EXPECT_TRUE(becomes("masks", "colorHex", u"#1C1C1E"_s));
+    pressIn(u"Click-through"_s, space);
+    EXPECT_TRUE(becomes("masks", "isClickThrough", true));
+    pressIn(u"Visible"_s, space);
+    EXPECT_TRUE(becomes("masks", "isVisible", false));
+    pressIn(u"Nudge down"_s, space);
+    pressIn(u"Wider"_s, space);
+    EXPECT_TRUE(waitUntil([&] {
+        const QJsonValue now = valueOf("masks", "frame");
+        return now[u"y"].toDouble() == frame[u"y"].toDouble() - 10 &&
+               now[u"width"].toDouble() == frame[u"width"].toDouble() + 20;
+    }));
+
+    pressIn(u"Layer options"_s, space);
+    ASSERT_TRUE(waitUntil([&] { return menu().has_value(); }));
+    key(down);
+    key(enter);
+    EXPECT_TRUE(becomes("groups", "name", u"Group 1"_s));
+    EXPECT_EQ(valueOf("masks", "groupID"), valueOf("groups", "id"));
+    pressIn(u"Group 1, 1 mask"_s, f2);
+    EXPECT_TRUE(waitUntil([&] { return focusChanges().last() == u"Group name"; }));
+    key('x');
+    key(enter);
+    EXPECT_TRUE(waitUntil([&] { return focusChanges().last().endsWith(u", 1 mask"); }));
+    EXPECT_TRUE(becomes("groups", "name", u"x"_s));
+    pressIn(u"Hide Group"_s, space);
+    EXPECT_TRUE(becomes("groups", "isVisible", false));
+    pressIn(u"Lock Group"_s, space);
+    EXPECT_TRUE(becomes("groups", "isLocked", true));
+
+    shortcut('h');
+    shortcut('l');
+    EXPECT_TRUE(shows({u"Show All"_s, u"Unlock Editing"_s, u"Masks: 0"_s}));
+    shortcut('d');
+    EXPECT_TRUE(waitUntil([&] { return status()[u"masks"].toArray().size() == 2; }));
+    input.typeKeysyms({control, erase});
+    EXPECT_TRUE(waitUntil([&] { return status()[u"masks"].toArray().size() == 1; }));
+
+    input.typeKeysyms({control, erase});
+    ASSERT_TRUE(shows({u"empty-state-replay-walkthrough"_s}));
+    pressIn(u"Replay walkthrough"_s, space);
+    ASSERT_TRUE(shows({u"1 of 5"_s}));
+    for (const std::uint32_t keysym : {enter, space, right})
+        key(keysym);
+    EXPECT_TRUE(shows({u"4 of 5"_s}));
+    key(escape);
+    EXPECT_TRUE(waitUntil([&] { return named(u"onboarding-overlay"_s).isEmpty(); }));
+}
+
+TEST_F(DashboardTest, ARowIsDraggedIntoAGroup) {
+    const QUuid mask = addMask({1100, 20, 160, 90});
+    addMask({1100, 120, 160, 90});
+    const QUuid group = addGroup();
+    workspace.selectedMaskID = mask;
+    openDashboard();
+    ASSERT_TRUE(shows({rowOf(mask), u"group-row-"_s + uuidText(group)}));
+    const QPoint target = placeOf(u"group-row-"_s + uuidText(group)).center();
+    const auto isHighlighted = [&] {
+        // Between the count and the buttons, and not below what is dragged.
+        return pixel(target - QPoint(40, 0)).blue() > 60;
+    };
+    EXPECT_FALSE(isHighlighted());
+    const QPoint from = placeOf(rowOf(mask)).topLeft() + QPoint(8, 8);
+    input.movePointer(from);
+    input.press();
+    for (int step = 1; step <= 10; ++step)
+        input.movePointer(from + (target - from) * step / 10);
+    EXPECT_TRUE(waitUntil([&] {
+        input.movePointer(target);
+        return isHighlighted();
+    })) << "the group does not light up";
+    input.release();
+    EXPECT_TRUE(waitUntil([&] { return !isHighlighted(); }));
+    EXPECT_TRUE(becomes("masks", "groupID", valueOf("groups", "id")));
+    EXPECT_TRUE(shows({u"Calls, 1 mask"_s}));
+    EXPECT_TRUE(valueOf("masks", "groupID", 1).isNull());
+}
+
+TEST_F(DashboardTest, ItComesAndGoesAndTheMasksStay) {
+    addMask({1100, 20, 160, 90});
+    openDashboard();
+    ASSERT_TRUE(showsDashboard());
+    neighbour.move(dashboard(), {60, 40, 1000, 600});
+    ASSERT_TRUE(waitUntil([&] { return probe.geometry(dashboard())->width() == 1000; }));
+    const QRect frame = dashboardFrame();
+    const struct {
+        const char* what;
+        std::function<void()> act;
+        bool isShown;
+    } steps[] = {
+        {"Control and W",
+         [&] {
+             input.typeKeysyms({control, 'w'});
+         },
+         false},
+        {"veyla", [&] { run({}); }, true},
+        {"toggle-dashboard hides", [&] { run({u"toggle-dashboard"_s}); }, false},
+        {"toggle-dashboard shows", [&] { run({u"toggle-dashboard"_s}); }, true},
+        {"the hot key hides",
+         [&] {
+             input.typeKeysyms({control, alt, super, 's'});
+         },
+         false},
+        {"the hot key shows",
+         [&] {
+             input.typeKeysyms({control, alt, super, 's'});
+         },
+         true},
+        {"Alt and F4",
+         [&] {
+             input.typeKeysyms({alt, 0xffc1});
+         },
+         false},
+        {"veyla again", [&] { run({}); }, true},
+    };
+    for (const auto& [what, act, isShown] : steps) {
+        SCOPED_TRACE(what);
+        act();
+        EXPECT_TRUE(showsDashboard(isShown));
+        EXPECT_TRUE(isEveryMaskShownOnce());
+        if (!isShown) continue;
+        EXPECT_TRUE(waitUntil([&] { return isInFront() && dashboardFrame() == frame; }))
+            << testing::PrintToString(dashboardFrame()) << " instead of "
+            << testing::PrintToString(frame);
+    }
+    input.typeKeysyms({control, 'q'});
+    EXPECT_EQ(process->waitForExit(defaultWait), 0);
+}
+
+TEST_F(DashboardTest, NoWindowComesUnasked) {
+    addMask({1100, 20, 160, 90});
+    for (const bool isMenuBarOnly : {false, true}) {
+        SCOPED_TRACE(isMenuBarOnly);
+        workspace.settings.menuBarOnlyMode = isMenuBarOnly;
+        startArguments = isMenuBarOnly ? QStringList() : QStringList(u"--background"_s);
+        start();
+        // It answers when everything that its start shows has been asked for.
+        EXPECT_FALSE(status()[u"dashboardVisible"].toBool(true));
+        EXPECT_EQ(dashboard(), XCB_NONE);
+        EXPECT_EQ(run({}).status, 0);
+        EXPECT_TRUE(showsDashboard());
+        const auto states = probe.numbersOf(dashboard(), u"_NET_WM_STATE"_s);
+        EXPECT_EQ(
+            std::count(states.begin(), states.end(), probe.atom(u"_NET_WM_STATE_SKIP_TASKBAR"_s)),
+            0)
+            << "asked for by the user, it is listed";
+        EXPECT_EQ(quit(), 0);
+    }
+}
+
+TEST_F(DashboardTest, MenusArePaintedOnTheScreen) {
+    for (const bool hasCompositor : {false, true}) {
+        SCOPED_TRACE(hasCompositor);
+        if (hasCompositor) desktop.startCompositor();
+        openDashboard();
+        input.typeKeysyms({alt, 'v'});
+        ASSERT_TRUE(waitUntil([&] { return menu().has_value(); }));
+        const QRect frame = menu()->frame;
+        const auto count = [&](const auto& isWanted) {
+            const QImage image = Screenshot(probe).image().copy(frame);
+            int found = 0;
+            for (int y = 0; y < image.height(); ++y)
+                for (int x = 0; x < image.width(); ++x)
+                    if (isWanted(image.pixelColor(x, y))) ++found;
+            return found;
+        };
+        const int area = frame.width() * frame.height();
+        EXPECT_TRUE(waitUntil([&] {
+            return count([](const QColor& each) { return each == QColor(u"#141826"_s); }) >
+                   area / 2;
+        })) << "the menu's ground";
+        EXPECT_GT(count([](const QColor& each) { return each.lightness() > 150; }), 300)
+            << "the menu's text";
+        key(escape);
+        EXPECT_EQ(quit(), 0);
+    }
+}
+
+}  // namespace
