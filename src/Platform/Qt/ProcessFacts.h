@@ -22,9 +22,9 @@ struct ProcessFacts {
     /// The file name of the program; of a script's interpreter. Empty for a program that does not
     /// let itself be looked at.
     QString executable;
-    /// What the process calls itself; for a script the name of its file, also when "env" started the
-    /// interpreter. The kernel cuts it after 15 bytes; a name that was cut is completed where that
-    /// can be done.
+    /// What the process calls itself; for a script the name of its file, also when "env" started
+    /// the interpreter. The kernel cuts it after 15 bytes; a name that was cut is completed where
+    /// that can be done.
     QString commandName;
     std::optional<ApplicationScope> scope;
 
