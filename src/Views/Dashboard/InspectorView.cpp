@@ -13,7 +13,6 @@
 #include "Views/Design/VeylaTheme.h"
 
 #include <algorithm>
-#include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -22,10 +21,6 @@ namespace {
 constexpr double leastOpacity = 0.15;
 constexpr std::array maskStyles{ScreenMask::Style::blackout, ScreenMask::Style::frosted,
                                 ScreenMask::Style::softTint};
-
-QString truncated(double number) {
-    return QString::number(std::trunc(number), 'f', 0);
-}
 
 std::vector<QColor> swatchColors() {
     std::vector<QColor> colors;
@@ -200,8 +195,8 @@ void InspectorView::showMask(const ScreenMask& mask) {
         m_name->setText(mask.name);
         m_name->setCursorPosition(0);
     }
-    m_summary->showText(u"%1 × %2 px · %3"_s.arg(truncated(mask.frame.width),
-                                                 truncated(mask.frame.height),
+    m_summary->showText(u"%1 × %2 px · %3"_s.arg(truncatedText(mask.frame.width),
+                                                 truncatedText(mask.frame.height),
                                                  ScreenMask::displayName(mask.style)));
     const QString label = mask.isVisible ? u"Hide"_s : u"Show"_s;
     m_visibility->show(QString(), mask.isVisible ? u"eye"_s : u"eye.slash"_s);
@@ -211,12 +206,12 @@ void InspectorView::showMask(const ScreenMask& mask) {
     }
     m_styles->showChoice(indexOf(mask.style, maskStyles));
     m_opacity->showAmount(mask.opacity);
-    m_opacityText->showText(truncated(mask.opacity * 100) + u'%');
+    m_opacityText->showText(truncatedText(mask.opacity * 100) + u'%');
     m_colors->showChoice(indexOf(mask.colorHex, palette()));
     m_clickThrough->showIsOn(mask.isClickThrough);
     m_isVisible->showIsOn(mask.isVisible);
     m_position->showText(
-        u"X: %1,  Y: %2 px"_s.arg(truncated(mask.frame.x), truncated(mask.frame.y)));
+        u"X: %1,  Y: %2 px"_s.arg(truncatedText(mask.frame.x), truncatedText(mask.frame.y)));
     m_maskIDText->showText(u"Mask ID: "_s + uuidText(mask.id));
 }
 

@@ -17,7 +17,6 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QToolTip>
-#include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -41,10 +40,6 @@ Symbol visibilitySymbol(bool isVisible) {
     const QColor color =
         VeylaTheme::withOpacity(VeylaTheme::textSecondary(), isVisible ? 0.6 : 0.3);
     return {isVisible ? u"eye"_s : u"eye.slash"_s, 11, SymbolWeight::regular, color};
-}
-
-QString truncated(double number) {
-    return QString::number(std::trunc(number), 'f', 0);
 }
 
 }  // namespace
@@ -71,7 +66,7 @@ void MaskRowView::show(const ScreenMask& mask, bool isSelected) {
 }
 
 void MaskRowView::describe() {
-    const QString opacity = truncated(m_mask.opacity * 100);
+    const QString opacity = truncatedText(m_mask.opacity * 100);
     setAccessibleName(u"%1, %2, %3% opacity, %4"_s.arg(
         onOneLine(m_mask.name), ScreenMask::displayName(m_mask.style), opacity,
         m_mask.isVisible ? u"visible"_s : u"hidden"_s));
@@ -88,8 +83,9 @@ int MaskRowView::rowHeight() {
 }
 
 QString MaskRowView::summaryText(const ScreenMask& mask) {
-    return u"%1 × %2 px • %3%"_s.arg(truncated(mask.frame.width), truncated(mask.frame.height),
-                                     truncated(mask.opacity * 100));
+    return u"%1 × %2 px • %3%"_s.arg(truncatedText(mask.frame.width),
+                                     truncatedText(mask.frame.height),
+                                     truncatedText(mask.opacity * 100));
 }
 
 std::optional<QUuid> MaskRowView::maskIDIn(const QMimeData* payload) {

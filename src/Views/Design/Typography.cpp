@@ -3,6 +3,7 @@
 #include <QFontInfo>
 #include <QGuiApplication>
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -31,6 +32,10 @@ QFont systemFont(const TextStyle& style) {
         font.setLetterSpacing(QFont::AbsoluteSpacing, style.tracking * textScale());
     if (style.isUpperCase) font.setCapitalization(QFont::AllUppercase);
     return font;
+}
+
+QString truncatedText(double number) {
+    return QString::number(std::trunc(number), 'f', 0);
 }
 
 QString onOneLine(const QString& text) {

@@ -21,6 +21,9 @@ QFont systemFont(const TextStyle& style);
 /// How much larger than the design the text is; lengths that hold text grow with it.
 double textScale();
 
+/// The number without its fraction, as views write lengths and percentages.
+QString truncatedText(double number);
+
 /// The text on one line: line breaks and control characters become blanks, and what no window
 /// could show is cut off.
 QString onOneLine(const QString& text);
