@@ -11,6 +11,7 @@ focus  prints "ready", then the name or identifier of every element that gets th
 import sys
 
 import pyatspi
+from gi.repository import GLib
 
 STATES = {
     pyatspi.STATE_CHECKED: "checked",
@@ -45,10 +46,22 @@ def report_focus(event):
 
 
 def elements_on_screen(element):
-    for child in element:
-        if child and child.getState().contains(pyatspi.STATE_SHOWING):
-            yield child
-            yield from elements_on_screen(child)
+    # What goes while it is being read is no longer on screen.
+    try:
+        shown = [child for child in element
+                 if child and child.getState().contains(pyatspi.STATE_SHOWING)]
+    except (GLib.Error, LookupError):
+        return
+    for child in shown:
+        yield child
+        yield from elements_on_screen(child)
+
+
+def print_on_screen(element):
+    try:
+        print(describe(element))
+    except (GLib.Error, LookupError):
+        pass
 
 
 def veyla():
@@ -58,9 +71,9 @@ def veyla():
 def use(mode, name, value):
     for application in veyla():
         for element in elements_on_screen(application):
-            if name not in (element.name, element.get_accessible_id()):
-                continue
             try:
+                if name not in (element.name, element.get_accessible_id()):
+                    continue
                 if mode == "press":
                     actions = element.queryAction()
                     names = [actions.getName(index) for index in range(actions.nActions)]
@@ -70,8 +83,8 @@ def use(mode, name, value):
                     element.queryValue().currentValue = float(value)
                     return True
                 return element.queryEditableText().setTextContents(value)
-            except (NotImplementedError, IndexError):
-                # A label beside a control bears the same name.
+            except (NotImplementedError, IndexError, GLib.Error):
+                # A label beside a control bears the same name; others go meanwhile.
                 continue
     return False
 
@@ -84,7 +97,7 @@ if mode == "tree":
 elif mode == "all":
     for application in veyla():
         for element in elements_on_screen(application):
-            print(describe(element))
+            print_on_screen(element)
 elif mode in ("press", "set", "type"):
     sys.exit(not use(mode, sys.argv[2], sys.argv[-1]))
 elif mode == "focus":
