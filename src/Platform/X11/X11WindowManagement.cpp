@@ -20,18 +20,19 @@ constexpr uint32_t sourcePager = 2;
 void X11WindowManagement::setIsListed(quint64 window, bool isListed) {
     const auto target = static_cast<xcb_window_t>(window);
     const X11Atoms& atoms = m_connection.atoms();
+    // A window that was hidden a moment ago still counts as managed, and the manager forgets what
+    // it is asked for it; so the property is right in any case when the window is shown again.
+    writeState(target, isListed);
     // Only the window manager may change the state of a window that it manages. When it stops to do
     // so, it removes this property or sets it to "withdrawn".
     const auto state = m_connection.property32(target, atoms.wmState);
-    if (state.empty() || state.front() == withdrawnState)
-        changeStateOfHidden(target, isListed);
-    else
+    if (!state.empty() && state.front() != withdrawnState)
         send(target, atoms.netWmState,
              {isListed ? stateRemove : stateAdd, atoms.netWmStateSkipTaskbar,
               atoms.netWmStateSkipPager, sourceApplication, 0});
 }
 
-void X11WindowManagement::changeStateOfHidden(xcb_window_t window, bool isListed) {
+void X11WindowManagement::writeState(xcb_window_t window, bool isListed) {
     const X11Atoms& atoms = m_connection.atoms();
     const std::array hidden{atoms.netWmStateSkipTaskbar, atoms.netWmStateSkipPager};
     auto states = m_connection.property32(window, atoms.netWmState);

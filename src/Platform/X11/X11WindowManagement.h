@@ -15,7 +15,7 @@ public:
 
 private:
     void send(xcb_window_t window, xcb_atom_t type, const std::array<uint32_t, 5>& data);
-    void changeStateOfHidden(xcb_window_t window, bool isListed);
+    void writeState(xcb_window_t window, bool isListed);
 
     XcbConnection& m_connection;
 };
