@@ -34,12 +34,6 @@ void StyledButton::show(const QString& title, const QString& symbolName) {
     update();
 }
 
-void StyledButton::setTextColor(const QColor& color) {
-    if (color == m_look.textColor) return;
-    m_look.textColor = color;
-    update();
-}
-
 void StyledButton::setSymbolColor(const QColor& color) {
     if (color == m_look.symbol.color) return;
     m_look.symbol.color = color;

@@ -32,7 +32,6 @@ public:
 
     /// Changes what is shown; costs nothing when it is the same.
     void show(const QString& title, const QString& symbolName);
-    void setTextColor(const QColor& color);
     void setSymbolColor(const QColor& color);
 
     using QPushButton::show;

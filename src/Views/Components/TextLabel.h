@@ -19,7 +19,6 @@ public:
     void setColor(const QColor& color);
     /// Wraps a paragraph at that width, in points, and takes as many lines as that needs.
     void setParagraphWidth(int width);
-    const QString& fullText() const { return m_text; }
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

@@ -34,7 +34,6 @@ public:
     void present(int index);
     /// Fades out.
     void dismiss();
-    bool isPresented() const { return m_index.has_value(); }
 
     /// Without the time that animations take, for who asked the desktop for less motion.
     void setAnimated(bool isAnimated) { m_isAnimated = isAnimated; }
