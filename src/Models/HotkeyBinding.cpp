@@ -3,6 +3,8 @@
 #include "Models/Json.h"
 
 #include <QHashFunctions>
+#include <algorithm>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -38,19 +40,38 @@ constexpr auto keyNames = [] {
     return names;
 }();
 
-/// A modifier in the event's flags, in the binding and in the display text.
+/// What keyboards on Linux call keys for which the display text has a sign or none.
+constexpr std::array<std::pair<quint32, const char16_t*>, 14> keyWords{{
+    {36, u"Enter"},
+    {51, u"Backspace"},
+    {53, u"Escape"},
+    {76, u"Keypad Enter"},
+    {114, u"Insert"},
+    {115, u"Home"},
+    {116, u"Page Up"},
+    {117, u"Delete"},
+    {119, u"End"},
+    {121, u"Page Down"},
+    {123, u"Left"},
+    {124, u"Right"},
+    {125, u"Down"},
+    {126, u"Up"},
+}};
+
+/// A modifier in the event's flags, in the binding and in the texts.
 struct Modifier {
     quint64 eventFlag;
     quint32 carbonBit;
     QChar symbol;
+    const char16_t* word;
 };
 
-/// In the order of the display text.
+/// In the order of the texts.
 constexpr std::array<Modifier, 4> modifierTable{{
-    {quint64{1} << 18, HotkeyBinding::controlModifier, u'⌃'},
-    {quint64{1} << 19, HotkeyBinding::optionModifier, u'⌥'},
-    {quint64{1} << 17, HotkeyBinding::shiftModifier, u'⇧'},
-    {quint64{1} << 20, HotkeyBinding::commandModifier, u'⌘'},
+    {quint64{1} << 18, HotkeyBinding::controlModifier, u'⌃', u"Ctrl"},
+    {quint64{1} << 19, HotkeyBinding::optionModifier, u'⌥', u"Alt"},
+    {quint64{1} << 17, HotkeyBinding::shiftModifier, u'⇧', u"Shift"},
+    {quint64{1} << 20, HotkeyBinding::commandModifier, u'⌘', u"Super"},
 }};
 
 }  // namespace
@@ -72,6 +93,18 @@ QString HotkeyBinding::displayString() const {
         if ((modifiers & modifier.carbonBit) != 0) text += modifier.symbol;
     }
     return text + keyCodeToString(keyCode);
+}
+
+QString HotkeyBinding::keyboardText() const {
+    QString text;
+    for (const Modifier& modifier : modifierTable) {
+        if ((modifiers & modifier.carbonBit) != 0) text += QString::fromUtf16(modifier.word) + u'+';
+    }
+    const auto* const found =
+        std::find_if(keyWords.begin(), keyWords.end(),
+                     [this](const auto& each) { return each.first == keyCode; });
+    return text +
+           (found == keyWords.end() ? keyCodeToString(keyCode) : QString::fromUtf16(found->second));
 }
 
 QString HotkeyBinding::keyCodeToString(quint32 keyCode) {

@@ -26,6 +26,9 @@ struct HotkeyBinding {
 
     /// For example "⌃⌥⌘N": always in the order Control, Option, Shift, Command.
     QString displayString() const;
+    /// In the words that keyboards on Linux bear, for example "Ctrl+Alt+Super+N": always in the
+    /// order Ctrl, Alt, Shift, Super.
+    QString keyboardText() const;
 
     /// The name of a key, or "Key" and the code for a key without one.
     static QString keyCodeToString(quint32 keyCode);
