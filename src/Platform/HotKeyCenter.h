@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Reactive/Published.h"
 #include "Reactive/Subscription.h"
 
 #include <QtGlobal>
@@ -25,6 +26,10 @@ struct HotKeyEvent {
 class HotKeyRegistration {
 public:
     virtual ~HotKeyRegistration() = default;
+
+    /// Whether the combination is the program's. Another program may get it while hot keys are
+    /// suspended or when the keyboard changes; it is asked for again each time that ends.
+    virtual const Published<bool>& isHeld() const = 0;
 };
 
 /// The desktop's service for shortcuts that work whatever program has the keyboard. The center must

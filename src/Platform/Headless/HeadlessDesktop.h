@@ -5,7 +5,9 @@
 #include "Platform/Headless/HeadlessHotKeyCenter.h"
 #include "Platform/Headless/HeadlessMainLoop.h"
 #include "Platform/Headless/HeadlessOverlaySurfaces.h"
+#include "Platform/Headless/HeadlessPointerPresses.h"
 #include "Platform/Headless/HeadlessScreens.h"
+#include "Platform/Headless/HeadlessTrayIcon.h"
 #include "Platform/Headless/HeadlessUpdateFramework.h"
 #include "Platform/Headless/HeadlessUrlLoader.h"
 #include "Platform/Headless/HeadlessWorkspace.h"
@@ -21,4 +23,6 @@ struct HeadlessDesktop {
     HeadlessWorkspace workspace{mainLoop};
     HeadlessUrlLoader urlLoader{mainLoop};
     HeadlessUpdateFramework updateFramework;
+    HeadlessPointerPresses pointerPresses;
+    HeadlessTrayIcon trayIcon;
 };

@@ -3,15 +3,35 @@
 class HeadlessHotKeyCenter::Registration final : public HotKeyRegistration {
 public:
     Registration(std::shared_ptr<State> state, Combination combination)
-        : m_state(std::move(state)), m_combination(std::move(combination)) {}
+        : m_state(std::move(state)), m_combination(std::move(combination)) {
+        m_state->registrations.emplace(m_combination, this);
+    }
     Registration(const Registration&) = delete;
     Registration& operator=(const Registration&) = delete;
-    ~Registration() override { m_state->registered.erase(m_combination); }
+    ~Registration() override {
+        m_state->registered.erase(m_combination);
+        m_state->registrations.erase(m_combination);
+    }
+
+    const Published<bool>& isHeld() const override { return m_isHeld; }
+    void setIsHeld(bool isHeld) {
+        if (isHeld != m_isHeld.newest()) m_isHeld.set(isHeld);
+    }
 
 private:
     std::shared_ptr<State> m_state;
     Combination m_combination;
+    Published<bool> m_isHeld{true};
 };
+
+void HeadlessHotKeyCenter::State::resume() {
+    if (--suspensions > 0) return;
+    // Whoever is told may let go of any of them.
+    const auto before = registrations;
+    for (const auto& [combination, registration] : before)
+        if (registrations.contains(combination))
+            registrations.at(combination)->setIsHeld(!occupied.contains(combination));
+}
 
 Subscription HeadlessHotKeyCenter::installEventHandler(Handler handler) {
     m_state->handler = std::move(handler);
@@ -30,12 +50,13 @@ std::unique_ptr<HotKeyRegistration> HeadlessHotKeyCenter::registerHotKey(
 
 Subscription HeadlessHotKeyCenter::suspendHotKeys() {
     ++m_state->suspensions;
-    return Subscription([state = m_state] { --state->suspensions; });
+    return Subscription([state = m_state] { state->resume(); });
 }
 
 bool HeadlessHotKeyCenter::press(const Combination& combination) {
     const auto found = m_state->registered.find(combination);
     if (found == m_state->registered.end() || isSuspended()) return false;
+    if (!m_state->registrations.at(combination)->isHeld().value()) return false;
     deliver({found->second});
     return true;
 }

@@ -18,9 +18,12 @@ public:
                                                        const HotKeyIdentifier& identifier) override;
     Subscription suspendHotKeys() override;
 
-    /// From now on another program holds the combination.
+    /// From now on another program holds the combination; what is registered is lost to it when a
+    /// suspension ends.
     void occupy(const Combination& combination) { m_state->occupied.insert(combination); }
-    /// A key goes down; false when the combination is not registered, or is suspended.
+    /// The other program gives the combination back.
+    void vacate(const Combination& combination) { m_state->occupied.erase(combination); }
+    /// A key goes down; false when the combination is not registered, is lost, or is suspended.
     bool press(const Combination& combination);
     /// Delivers an event as it is.
     void deliver(const HotKeyEvent& event);
@@ -31,14 +34,17 @@ public:
     bool isSuspended() const { return m_state->suspensions > 0; }
 
 private:
+    class Registration;
     struct State {
+        void resume();
+
         Handler handler;
         quint64 handlerNumber = 0;
         std::map<Combination, HotKeyIdentifier> registered;
+        std::map<Combination, Registration*> registrations;
         std::set<Combination> occupied;
         int suspensions = 0;
     };
-    class Registration;
 
     std::shared_ptr<State> m_state = std::make_shared<State>();  // lets handles outlive the center
 };

@@ -18,10 +18,12 @@ BusNameWatch::BusNameWatch(std::function<void(pid_t)> onNameTaken)
     : m_bus(u"veyla-bus-names"_s), m_onNameTaken(std::move(onNameTaken)) {
     if (m_bus.isConnected())
         m_bus.connection().connect(busName, busPath, busName, u"NameOwnerChanged"_s, this,
-                                   SLOT(ownerChanged(QString, QString, QString)));
+                                   SLOT(noteOwner(QDBusMessage)));
 }
 
-void BusNameWatch::ownerChanged(const QString& name, const QString&, const QString& newOwner) {
+void BusNameWatch::noteOwner(const QDBusMessage& change) {
+    const QString name = change.arguments().value(0).toString();
+    const QString newOwner = change.arguments().value(2).toString();
     // Every connection has a name that starts with a colon, which says nothing.
     if (name.startsWith(u':') || newOwner.isEmpty()) return;
     auto question =

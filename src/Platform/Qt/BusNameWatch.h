@@ -17,7 +17,7 @@ public:
     explicit BusNameWatch(std::function<void(pid_t)> onNameTaken);
 
 private Q_SLOTS:
-    void ownerChanged(const QString& name, const QString& oldOwner, const QString& newOwner);
+    void noteOwner(const QDBusMessage& change);
 
 private:
     SessionBus m_bus;

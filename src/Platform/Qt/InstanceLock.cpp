@@ -1,5 +1,7 @@
 #include "Platform/Qt/InstanceLock.h"
 
+#include "Models/ApplicationIdentifier.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -34,7 +36,7 @@ QString InstanceLock::runtimeDirectory() {
 InstanceLock::InstanceLock(const QString& directory)
     : m_path(directory.isEmpty()
                  ? QString()
-                 : QDir(directory).filePath(QStringLiteral("app.veyla.Veyla.lock"))) {}
+                 : QDir(directory).filePath(applicationIdentifier + QStringLiteral(".lock"))) {}
 
 InstanceLock::~InstanceLock() {
     release();

@@ -22,7 +22,7 @@ public:
     QString title() const override { return m_widget.windowTitle(); }
     bool isPanel() const override { return m_widget.windowType() != Qt::Window; }
     bool hasContentView() const override { return !m_widget.children().isEmpty(); }
-    bool isVisible() const override { return m_widget.isVisible(); }
+    bool isVisible() const override { return m_widget.isVisible() && !m_widget.isMinimized(); }
     void orderOut() override { m_widget.hide(); }
     void makeKeyAndOrderFront() override;
 

@@ -1,13 +1,15 @@
 #pragma once
 
+#include "Models/ApplicationIdentifier.h"
+
 #include <QDBusConnection>
 #include <QString>
 
 /// What the running program is called on the session bus.
 namespace RemoteControl {
-inline constexpr const char* serviceName = "app.veyla.Veyla";
+inline constexpr const char* serviceName = applicationIdentifier.data();
 inline constexpr const char* objectPath = "/app/veyla/Veyla";
-inline constexpr const char* interfaceName = "app.veyla.Veyla";
+inline constexpr const char* interfaceName = applicationIdentifier.data();
 }  // namespace RemoteControl
 
 /// A connection of its own to the session bus that is there, closed at the end. It never starts a

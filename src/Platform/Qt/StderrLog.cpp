@@ -1,9 +1,11 @@
 #include "Platform/Qt/StderrLog.h"
 
+#include "Models/ApplicationIdentifier.h"
+
 #include <QLoggingCategory>
 
 namespace {
-Q_LOGGING_CATEGORY(veylaLog, "app.veyla.Veyla")
+Q_LOGGING_CATEGORY(veylaLog, applicationIdentifier.data())
 }
 
 StderrLog::StderrLog() {

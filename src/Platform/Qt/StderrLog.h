@@ -2,8 +2,8 @@
 
 #include "Platform/SystemLog.h"
 
-/// Writes to the log category "app.veyla.Veyla", which Qt sends to standard error, or to the
-/// journal where there is no terminal.
+/// Writes to the log category of the application's identifier, which Qt sends to standard error, or
+/// to the journal where there is no terminal.
 class StderrLog final : public SystemLog {
 public:
     /// Makes every message of the process a plain line, unless $QT_MESSAGE_PATTERN says otherwise.

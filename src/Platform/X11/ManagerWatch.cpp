@@ -52,6 +52,10 @@ void ManagerWatch::handleEvent(const xcb_generic_event_t& event) {
     const uint8_t type = event.response_type & 0x7f;
     if (m_selectionEvent != 0 && type == m_selectionEvent) {
         const auto& change = reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event);
+        const X11Atoms& atoms = m_connection.atoms();
+        // Others on this connection watch other selections.
+        if (change.selection != atoms.wmSelection && change.selection != atoms.compositorSelection)
+            return;
         m_hasChange = true;
         m_hasNewOwner |= change.owner != XCB_NONE;
     } else if (type == XCB_PROPERTY_NOTIFY) {

@@ -43,6 +43,9 @@ X11Desktop::X11Desktop(std::unique_ptr<XcbConnection> connection, Scheduler& sch
           {*m_connection, m_screens, scheduler, log, accessibility, toolkitWindowTest()}),
       m_hotKeyCenter(*m_connection, log),
       m_windowManagement(*m_connection),
+      m_settings(*m_connection),
+      m_pointerPresses(*m_connection),
+      m_trayOwner(*m_connection, m_connection->atoms().traySelection),
       m_scheduler(scheduler) {
     followToolkitScreens();
 }

@@ -3,11 +3,14 @@
 #include "Platform/MainLoop.h"
 #include "Platform/SurfaceAccessibility.h"
 #include "Platform/SystemLog.h"
+#include "Platform/X11/SelectionOwner.h"
 #include "Platform/X11/X11HotKeyCenter.h"
 #include "Platform/X11/X11OverlaySurfaces.h"
+#include "Platform/X11/X11PointerPresses.h"
 #include "Platform/X11/X11Screens.h"
 #include "Platform/X11/X11WindowManagement.h"
 #include "Platform/X11/X11Workspace.h"
+#include "Platform/X11/XSettings.h"
 #include "Platform/X11/XcbConnection.h"
 
 #include <QObject>
@@ -28,6 +31,10 @@ public:
     X11OverlaySurfaces& overlaySurfaces() { return m_overlaySurfaces; }
     X11HotKeyCenter& hotKeyCenter() { return m_hotKeyCenter; }
     X11WindowManagement& windowManagement() { return m_windowManagement; }
+    const XSettings& settings() const { return m_settings; }
+    /// The tray of the older kind, whose icons are windows.
+    const SelectionOwner& trayOwner() const { return m_trayOwner; }
+    X11PointerPresses& pointerPresses() { return m_pointerPresses; }
     /// Looks at all programs when it is first asked for.
     X11Workspace& workspace();
 
@@ -41,6 +48,9 @@ private:
     X11OverlaySurfaces m_overlaySurfaces;
     X11HotKeyCenter m_hotKeyCenter;
     X11WindowManagement m_windowManagement;
+    XSettings m_settings;
+    X11PointerPresses m_pointerPresses;
+    SelectionOwner m_trayOwner;
     Scheduler& m_scheduler;
     std::unique_ptr<X11Workspace> m_workspace;
 };

@@ -1,10 +1,8 @@
 #include "Platform/X11/X11HotKeyCenter.h"
 
-#include "Platform/X11/VirtualKeyCodes.h"
+#include "Models/VirtualKeyCodes.h"
 
-#include <QStringList>
 #include <algorithm>
-#include <array>
 #include <utility>
 
 namespace {
@@ -12,21 +10,6 @@ namespace {
 constexpr auto heldByOther = "another program holds it";
 constexpr auto withoutKey = "the keyboard has no such key";
 constexpr auto heldAlready = "Veyla has registered it already";
-
-/// The combination as keyboards on Linux bear it, for example "Ctrl+Alt+Super+N".
-QString keyboardText(const HotkeyBinding& binding) {
-    static constexpr std::array<std::pair<quint32, const char*>, 4> names{{
-        {HotkeyBinding::controlModifier, "Ctrl"},
-        {HotkeyBinding::optionModifier, "Alt"},
-        {HotkeyBinding::shiftModifier, "Shift"},
-        {HotkeyBinding::commandModifier, "Super"},
-    }};
-    QStringList parts;
-    for (const auto& [modifier, name] : names)
-        if ((binding.modifiers & modifier) != 0) parts.append(QString::fromLatin1(name));
-    parts.append(HotkeyBinding::keyCodeToString(binding.keyCode));
-    return parts.join(QLatin1Char('+'));
-}
 
 }  // namespace
 
@@ -39,12 +22,14 @@ public:
     Registration& operator=(const Registration&) = delete;
     ~Registration() override { center.forget(*this); }
 
+    const Published<bool>& isHeld() const override { return held; }
     uint16_t mask() const { return center.m_modifiers.maskOf(binding.modifiers); }
 
     X11HotKeyCenter& center;
     HotkeyBinding binding;
     xcb_keycode_t keycode;
     HotKeyIdentifier identifier;
+    Published<bool> held{true};
 };
 
 X11HotKeyCenter::X11HotKeyCenter(XcbConnection& connection, SystemLog& log)
@@ -119,12 +104,20 @@ void X11HotKeyCenter::ungrab(const Registration& registration) {
 }
 
 void X11HotKeyCenter::grabAll() {
-    for (const Registration* registration : m_registrations)
-        if (!grab(*registration)) logRefusal(registration->binding, heldByOther);
+    // Whoever is told may let go of any of them.
+    const auto registrations = m_registrations;
+    for (Registration* const registration : registrations) {
+        if (std::find(m_registrations.begin(), m_registrations.end(), registration) ==
+            m_registrations.end())
+            continue;
+        const bool isHeld = grab(*registration);
+        if (!isHeld) logRefusal(registration->binding, heldByOther);
+        if (isHeld != registration->held.newest()) registration->held.set(isHeld);
+    }
 }
 
 void X11HotKeyCenter::ungrabAll() {
-    for (const Registration* registration : m_registrations)
+    for (const Registration* const registration : m_registrations)
         ungrab(*registration);
 }
 
@@ -168,5 +161,5 @@ void X11HotKeyCenter::dispatch(const xcb_key_press_event_t& event) {
 void X11HotKeyCenter::logRefusal(const HotkeyBinding& binding, const char* reason) {
     m_log.write(
         QStringLiteral("Veyla cannot use the shortcut %1 (%2): %3")
-            .arg(binding.displayString(), keyboardText(binding), QString::fromLatin1(reason)));
+            .arg(binding.displayString(), binding.keyboardText(), QString::fromLatin1(reason)));
 }

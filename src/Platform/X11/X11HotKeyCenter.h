@@ -15,7 +15,7 @@
 /// Hot keys by grabbing keys of the root window, with Caps Lock, Num Lock and Scroll Lock on or
 /// off. Control and Shift are themselves, Option is Alt and Command is Super. When the keyboard
 /// changes its modifiers, the combinations follow; one that is then another program's is told in
-/// the log, and tried again at the next change.
+/// the log, and tried again at the next change, as after a suspension.
 class X11HotKeyCenter final : public HotKeyCenter {
 public:
     /// Both must outlive the center.
@@ -31,7 +31,7 @@ private:
 
     bool grab(const Registration& registration);
     void ungrab(const Registration& registration);
-    /// Asks for every registered combination, and logs which ones are not to be had.
+    /// Asks for every registered combination; tells, and logs, which ones are not to be had.
     void grabAll();
     void ungrabAll();
     void forget(const Registration& registration);
@@ -48,7 +48,7 @@ private:
     HeldKey m_heldKey;
     Handler m_handler;
     quint64 m_handlerNumber = 0;
-    std::vector<const Registration*> m_registrations;
+    std::vector<Registration*> m_registrations;
     int m_suspensions = 0;
     Lifetime m_lifetime;
     SubscriptionBag m_subscriptions;

@@ -63,7 +63,7 @@ XcbConnection::~XcbConnection() {
 
 void XcbConnection::internAtoms(int screenNumber) {
     const QByteArray number = QByteArray::number(screenNumber);
-    const std::array<std::pair<QByteArray, xcb_atom_t*>, 22> names{{
+    const std::array<std::pair<QByteArray, xcb_atom_t*>, 25> names{{
         {"_VEYLA_MASK_ID", &m_atoms.veylaMaskID},
         {"UTF8_STRING", &m_atoms.utf8String},
         {"_NET_WM_NAME", &m_atoms.netWmName},
@@ -85,7 +85,10 @@ void XcbConnection::internAtoms(int screenNumber) {
         {"_NET_SUPPORTING_WM_CHECK", &m_atoms.netSupportingWmCheck},
         {"WM_S" + number, &m_atoms.wmSelection},
         {"_NET_WM_CM_S" + number, &m_atoms.compositorSelection},
+        {"_NET_SYSTEM_TRAY_S" + number, &m_atoms.traySelection},
         {"_XROOTPMAP_ID", &m_atoms.rootPixmap},
+        {"_XSETTINGS_S" + number, &m_atoms.settingsSelection},
+        {"_XSETTINGS_SETTINGS", &m_atoms.settings},
     }};
     std::vector<xcb_intern_atom_cookie_t> cookies;
     cookies.reserve(names.size());

@@ -38,7 +38,10 @@ struct X11Atoms {
     xcb_atom_t netSupportingWmCheck = XCB_NONE;
     xcb_atom_t wmSelection = XCB_NONE;
     xcb_atom_t compositorSelection = XCB_NONE;
+    xcb_atom_t traySelection = XCB_NONE;
     xcb_atom_t rootPixmap = XCB_NONE;
+    xcb_atom_t settingsSelection = XCB_NONE;
+    xcb_atom_t settings = XCB_NONE;
 };
 
 /// A connection to the X server of Veyla's own, beside the one of the toolkit: windows on it can
