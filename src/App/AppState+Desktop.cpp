@@ -9,6 +9,19 @@ void AppState::registerHotkeysWithCurrentBindings() {
         m_lifetime.guard([this](HotkeyAction action) { performHotkey(action); }));
 }
 
+void AppState::setHotkeyBinding(HotkeyAction action, const HotkeyBinding& binding) {
+    settings.update([&](AppSettings& changed) {
+        changed.hotkeyBindings.insert(hotkeyBindingKey(action), binding);
+    });
+    registerHotkeysWithCurrentBindings();
+}
+
+void AppState::resetHotkeyBindings() {
+    settings.update(
+        [](AppSettings& changed) { changed.hotkeyBindings = HotkeyBinding::defaults(); });
+    registerHotkeysWithCurrentBindings();
+}
+
 void AppState::performHotkey(HotkeyAction action) {
     switch (action) {
         case HotkeyAction::createMask:

@@ -9,8 +9,12 @@ void AppState::evaluateHelpOnLaunch() {
         isHelpPresented.set(true);
 }
 
+QString AppState::applicationVersion() const {
+    return m_platform.applicationVersion.value_or(QStringLiteral("0"));
+}
+
 void AppState::evaluateWhatsNewOnLaunch() {
-    const QString current = m_platform.applicationVersion.value_or(QStringLiteral("0"));
+    const QString current = applicationVersion();
     const auto last = settings.newest().lastSeenVersion;
     if (last == current) return;
     if (last && !isHelpPresented.newest()) {
@@ -23,6 +27,15 @@ void AppState::evaluateWhatsNewOnLaunch() {
 void AppState::presentWhatsNew() {
     if (!latestChangelog.newest()) startFetchingChangelog();
     isWhatsNewPresented.set(true);
+}
+
+void AppState::dismissWhatsNew() {
+    isWhatsNewPresented.set(false);
+}
+
+void AppState::dismissHelp() {
+    isHelpPresented.set(false);
+    hasCompletedOnboarding.set(true);
 }
 
 // The sheet opens at once, before the outcome of any fetch.

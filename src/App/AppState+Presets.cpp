@@ -1,6 +1,8 @@
 #include "App/AppState.h"
+#include "Models/ApplicationIdentifier.h"
 
 #include <QCollator>
+#include <QSet>
 #include <algorithm>
 #include <limits>
 
@@ -120,10 +122,38 @@ void AppState::updatePreset(const QUuid& presetID, const QString& name, const QS
 }
 
 void AppState::bindPresetToCurrentApp(const QUuid& presetID) {
+    bindPreset(presetID,
+               {currentFrontmostAppName.newest(), currentFrontmostBundleIdentifier.newest()});
+}
+
+// Whoever chooses in the dashboard has the dashboard in front, so that the application in front is
+// not the one that is meant.
+QList<RunningApplication> AppState::applicationsToBind() const {
+    QList<RunningApplication> applications = m_platform.workspace.runningApplications();
+    applications.removeIf([](const RunningApplication& each) {
+        return !each.localizedName || !each.bundleIdentifier ||
+               *each.bundleIdentifier == applicationIdentifier;
+    });
+    const QCollator collator;
+    std::sort(applications.begin(), applications.end(), [&](const auto& a, const auto& b) {
+        return collator.compare(a.localizedName.value_or(QString()),
+                                b.localizedName.value_or(QString())) < 0;
+    });
+    // A program that runs twice is one to be bound to.
+    QSet<QString> known;
+    applications.removeIf([&](const RunningApplication& each) {
+        const bool isRepeated = known.contains(*each.bundleIdentifier);
+        known.insert(*each.bundleIdentifier);
+        return isRepeated;
+    });
+    return applications;
+}
+
+void AppState::bindPreset(const QUuid& presetID, const RunningApplication& application) {
     mutatePreset(presetID, [&](MaskPreset& preset) {
         preset.autoApply = true;
-        preset.targetAppName = currentFrontmostAppName.newest();
-        preset.targetBundleIdentifier = currentFrontmostBundleIdentifier.newest();
+        preset.targetAppName = application.localizedName;
+        preset.targetBundleIdentifier = application.bundleIdentifier;
     });
 }
 

@@ -168,6 +168,10 @@ public:
     /// From now on the preset is applied when the application that is in front now comes to the
     /// front.
     void bindPresetToCurrentApp(const QUuid& presetID);
+    /// The programs that run now and that a preset can be bound to, by name; Veyla itself is none.
+    QList<RunningApplication> applicationsToBind() const;
+    /// The same for an application that need not be in front.
+    void bindPreset(const QUuid& presetID, const RunningApplication& application);
     void clearPresetAppBinding(const QUuid& presetID);
     /// Moves the preset one place, and makes all priorities agree with the list, as does the next.
     void movePresetUp(const QUuid& presetID);
@@ -177,6 +181,10 @@ public:
     // Hot keys.
     /// Takes the combinations of the current settings; to be called after a binding has changed.
     void registerHotkeysWithCurrentBindings();
+    /// Binds the action to another combination, and takes it.
+    void setHotkeyBinding(HotkeyAction action, const HotkeyBinding& binding);
+    /// Binds every action to its default combination.
+    void resetHotkeyBindings();
     /// The first action, other than the one under that binding key, that has the same combination.
     std::optional<HotkeyAction> hotkeyConflict(const QString& bindingKey,
                                                const HotkeyBinding& binding) const;
@@ -203,8 +211,14 @@ public:
     bool isDashboardWindowVisible() const;
 
     // Release notes and the walkthrough.
+    /// The version of the build, "0" where it has none.
+    QString applicationVersion() const;
     /// Opens the sheet, and fetches the notes unless they were fetched before.
     void presentWhatsNew();
+    /// What was fetched stays.
+    void dismissWhatsNew();
+    /// Who has closed the help needs no walkthrough.
+    void dismissHelp();
     /// Results arrive in `latestChangelog` or `changelogError`.
     void fetchLatestChangelog();
     /// Starts the walkthrough with a mask to point at, unless it was completed or something else

@@ -15,6 +15,8 @@ struct MenuCommand {
     QList<QKeySequence> shortcuts;
     bool isEnabled = true;
     std::function<void()> perform;
+    /// Whether it changes the selected mask, which the user should see while it does.
+    bool actsOnSelection = false;
 
     bool isSeparator() const { return !perform; }
 };

@@ -10,13 +10,17 @@ namespace {
 
 constexpr int statusOk = 200;
 
+std::optional<QUrl> validURL(const QString& text) {
+    const QUrl url(text, QUrl::StrictMode);
+    if (url.isEmpty() || !url.isValid() || url.isRelative()) return std::nullopt;
+    return url;
+}
+
 std::optional<QUrl> latestURL() {
     const QString text = qEnvironmentVariableIsSet("VEYLA_CHANGELOG_URL")
                              ? qEnvironmentVariable("VEYLA_CHANGELOG_URL")
                              : QStringLiteral("https://" VEYLA_WEB_HOST "/api/changelog/latest");
-    const QUrl url(text, QUrl::StrictMode);
-    if (url.isEmpty() || !url.isValid() || url.isRelative()) return std::nullopt;
-    return url;
+    return validURL(text);
 }
 
 ChangelogError networkError(const QString& reason) {
@@ -60,6 +64,11 @@ QString ChangelogError::message() const {
             return QStringLiteral("Could not load the latest release notes.");
     }
     return reason;
+}
+
+std::optional<QUrl> ChangelogService::pageURL() {
+    const auto url = validURL(QStringLiteral("https://" VEYLA_WEB_HOST "/changelog"));
+    return url && !url->host().isEmpty() ? url : std::nullopt;
 }
 
 Subscription ChangelogService::fetchLatest(std::function<void(const Result& result)> completion) {

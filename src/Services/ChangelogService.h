@@ -4,6 +4,7 @@
 #include "Platform/UrlLoader.h"
 
 #include <QString>
+#include <QUrl>
 #include <chrono>
 #include <functional>
 #include <optional>
@@ -38,6 +39,10 @@ public:
 
     /// The loader must outlive the service.
     explicit ChangelogService(UrlLoader& loader) : m_loader(loader) {}
+
+    /// The page with the notes of all releases, which no environment variable changes; nothing
+    /// where the build's web host makes no address.
+    static std::optional<QUrl> pageURL();
 
     /// Calls back once; at once for an address that cannot be used, else from the main loop.
     /// Letting go of the handle cancels the request, and nothing is called.

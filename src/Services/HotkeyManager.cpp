@@ -10,19 +10,34 @@ void HotkeyManager::registerBindings(const QMap<QString, HotkeyBinding>& binding
     for (const HotkeyAction action : allHotkeyActions) {
         const QString key = hotkeyBindingKey(action);
         const HotkeyBinding binding = bindings.value(key, HotkeyBinding::defaults().value(key));
-        m_hotKeys[action] = m_center.registerHotKey(binding.keyCode, binding.modifiers,
-                                                    {signature, static_cast<quint32>(action)});
+        auto hotKey = m_center.registerHotKey(binding.keyCode, binding.modifiers,
+                                              {signature, static_cast<quint32>(action)});
+        if (!hotKey) continue;
+        m_holdings.keep(
+            hotKey->isHeld().subscribe([this, action](bool isHeld) { note(action, isHeld); }));
+        m_hotKeys.push_back(std::move(hotKey));
     }
 }
 
 void HotkeyManager::unregisterAll() {
+    m_holdings.clear();
     m_hotKeys.clear();
     m_handler.reset();
+    if (!m_registered.newest().empty()) m_registered.set({});
 }
 
 bool HotkeyManager::isRegistered(HotkeyAction action) const {
-    const auto found = m_hotKeys.find(action);
-    return found != m_hotKeys.end() && found->second;
+    return m_registered.value().contains(action);
+}
+
+void HotkeyManager::note(HotkeyAction action, bool isHeld) {
+    if (m_registered.newest().contains(action) == isHeld) return;
+    m_registered.update([&](std::set<HotkeyAction>& actions) {
+        if (isHeld)
+            actions.insert(action);
+        else
+            actions.erase(action);
+    });
 }
 
 void HotkeyManager::handle(const HotKeyEvent& event) {

@@ -3,14 +3,16 @@
 #include "Models/HotkeyBinding.h"
 #include "Platform/HotKeyCenter.h"
 #include "Reactive/Lifetime.h"
+#include "Reactive/Published.h"
 #include "Reactive/Scheduler.h"
 #include "Reactive/Subscription.h"
 
 #include <QMap>
 #include <QString>
 #include <functional>
-#include <map>
 #include <memory>
+#include <set>
+#include <vector>
 
 /// The four shortcuts that work in every application: one hot key for each HotkeyAction.
 ///
@@ -39,15 +41,19 @@ public:
 
     /// Whether pressing the action's combination reaches Veyla.
     bool isRegistered(HotkeyAction action) const;
+    /// The actions whose combinations do; announced when that changes.
+    const Published<std::set<HotkeyAction>>& registeredActions() const { return m_registered; }
 
 private:
     void handle(const HotKeyEvent& event);
+    void note(HotkeyAction action, bool isHeld);
 
     HotKeyCenter& m_center;
     Scheduler& m_scheduler;
     Subscription m_handler;
-    // Null for an action whose combination could not be had.
-    std::map<HotkeyAction, std::unique_ptr<HotKeyRegistration>> m_hotKeys;
+    std::vector<std::unique_ptr<HotKeyRegistration>> m_hotKeys;
+    Published<std::set<HotkeyAction>> m_registered;
     OnAction m_onAction;
     Lifetime m_lifetime;
+    SubscriptionBag m_holdings;
 };
