@@ -1,12 +1,14 @@
 // The dashboard beside a plain window: how long showing it takes with fifty masks, what choosing a
-// mask costs with many of them, and what dragging the opacity slider costs. In memory, without a
-// server: what is measured is the program's own work.
+// mask costs with many of them, and what dragging the opacity slider costs; and how long showing
+// the settings takes. In memory, without a server: what is measured is the program's own work.
 
 #include "Platform/Headless/HeadlessDesktop.h"
+#include "Platform/Headless/HeadlessLoginItem.h"
 #include "Views/Components/AccessibleElement.h"
 #include "Views/Components/AmountSlider.h"
 #include "Views/ContentView.h"
 #include "Views/Design/ApplicationLook.h"
+#include "Views/Settings/SettingsWindow.h"
 #include "benchmarks/support/MaskRows.h"
 #include "benchmarks/support/Samples.h"
 #include "support/HeadlessPlatform.h"
@@ -38,6 +40,10 @@ public:
         return std::make_unique<ContentView>(state, m_desktop.mainLoop, m_commands, [] {});
     }
 
+    std::unique_ptr<SettingsWindow> makeSettingsWindow() {
+        return std::make_unique<SettingsWindow>(state, m_desktop.mainLoop, m_loginItem);
+    }
+
     /// Delivers what was put off to the next turn, and paints.
     void settle() {
         m_desktop.mainLoop.advanceBy(std::chrono::milliseconds(0));
@@ -48,6 +54,7 @@ private:
     QTemporaryDir m_folder;
     RecordingSystemLog m_log;
     HeadlessDesktop m_desktop;
+    HeadlessLoginItem m_loginItem;
 
 public:
     AppState state{headlessPlatform(m_desktop, m_log, m_folder.path())};
@@ -56,36 +63,53 @@ private:
     VeylaCommands m_commands{state, nullptr};
 };
 
-std::unique_ptr<QWidget> plainWindow(int rowCount) {
+std::unique_ptr<QWidget> plainWindow(int rowCount, QSize size) {
     auto window = std::make_unique<QWidget>();
     auto* const layout = new QVBoxLayout(window.get());
     for (int row = 0; row < rowCount; ++row)
         layout->addWidget(new QLabel(QStringLiteral("Row %1").arg(row)));
-    window->resize(1180, 760);
+    window->resize(size);
     return window;
 }
 
-// From nothing to every pixel painted.
+/// Makes and shows the one and the other by turns, from nothing to every pixel painted.
+template <typename MakeWindow, typename MakePlainWindow>
+void compareShowing(benchmark::State& benchmarkState, Program& program, MakeWindow makeWindow,
+                    MakePlainWindow makePlainWindow) {
+    Samples times;
+    Samples plainTimes;
+    const auto show = [&](const auto& make) {
+        const auto window = make();
+        window->show();
+        program.settle();
+    };
+    for (auto iteration : benchmarkState) {
+        for (int round = 0; round < rounds; ++round) {
+            times.measure([&] { show(makeWindow); });
+            plainTimes.measure([&] { show(makePlainWindow); });
+        }
+    }
+    reportRatio(benchmarkState, times, plainTimes, 3);
+}
+
 void showDashboard(benchmark::State& benchmarkState) {
     constexpr int maskCount = 50;
     Program program(maskCount);
-    Samples dashboard;
-    Samples plain;
-    for (auto iteration : benchmarkState) {
-        for (int round = 0; round < rounds; ++round) {
-            dashboard.measure([&] {
-                const auto window = program.makeWindow();
-                window->show();
-                program.settle();
-            });
-            plain.measure([&] {
-                const auto window = plainWindow(maskCount);
-                window->show();
-                program.settle();
-            });
-        }
-    }
-    reportRatio(benchmarkState, dashboard, plain, 3);
+    compareShowing(
+        benchmarkState, program, [&] { return program.makeWindow(); },
+        [] {
+            return plainWindow(maskCount, {1180, 760});
+        });
+}
+
+void showSettings(benchmark::State& benchmarkState) {
+    constexpr int rowCount = 20;
+    Program program(1);
+    compareShowing(
+        benchmarkState, program, [&] { return program.makeSettingsWindow(); },
+        [] {
+            return plainWindow(rowCount, {560, 620});
+        });
 }
 
 // What a click on a row costs until its change is painted, apart from the overlays: those are no
@@ -173,6 +197,7 @@ void repaintedByOpacity(benchmark::State& benchmarkState) {
 }
 
 BENCHMARK(showDashboard)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(showSettings)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(selectMask)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(dragOpacity)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(repaintedByOpacity)->Iterations(1)->Unit(benchmark::kMillisecond);

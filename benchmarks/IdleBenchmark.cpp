@@ -1,11 +1,12 @@
 // What Veyla costs while nobody touches anything: processor time, wake-ups and memory with ten
-// masks on screen.
+// masks on screen, without a tray and with its icon in one.
 
 #include "benchmarks/support/DisplayObserver.h"
 #include "benchmarks/support/MaskRows.h"
 #include "benchmarks/support/ProcessUsage.h"
 #include "benchmarks/support/ProgramOnDesktop.h"
 #include "benchmarks/support/Samples.h"
+#include "support/desktop/TrayPanel.h"
 
 #include <cmath>
 #include <thread>
@@ -20,7 +21,8 @@ constexpr std::chrono::seconds settlingTime{2};
 /// A Veyla whose masks are on screen and that has done what a start brings with it.
 class IdleVeyla {
 public:
-    IdleVeyla() {
+    explicit IdleVeyla(bool hasTray) {
+        if (hasTray) m_tray = std::make_unique<TrayPanel>(m_desktop);
         storeWorkspace(m_desktop, rowsOfMasks(maskCount));
         DisplayObserver observer(m_desktop.displayName());
         m_program = startVeyla(m_desktop);
@@ -33,11 +35,12 @@ public:
 
 private:
     DesktopSession m_desktop{quietDesktop()};
+    std::unique_ptr<TrayPanel> m_tray;
     std::unique_ptr<ChildProcess> m_program;
 };
 
 void measureIdle(benchmark::State& state, double ProcessUsage::*figure) {
-    const IdleVeyla veyla;
+    const IdleVeyla veyla(state.range(0) != 0);
     const ProcessUsage before = ProcessUsage::of(veyla.pid());
     for (auto iteration : state)
         std::this_thread::sleep_for(idleTime);
@@ -47,7 +50,7 @@ void measureIdle(benchmark::State& state, double ProcessUsage::*figure) {
 }
 
 void memory(benchmark::State& state) {
-    const IdleVeyla veyla;
+    const IdleVeyla veyla(state.range(0) != 0);
     ProcessMemory used;
     for (auto iteration : state)
         used = ProcessMemory::of(veyla.pid());
@@ -57,12 +60,18 @@ void memory(benchmark::State& state) {
 }
 
 BENCHMARK_CAPTURE(measureIdle, processorMilliseconds, &ProcessUsage::processorMilliseconds)
+    ->ArgName("tray")
+    ->Arg(0)
+    ->Arg(1)
     ->Iterations(1)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(measureIdle, wakeUps, &ProcessUsage::sleeps)
+    ->ArgName("tray")
+    ->Arg(0)
+    ->Arg(1)
     ->Iterations(1)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(memory)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(memory)->ArgName("tray")->Arg(0)->Arg(1)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -1,10 +1,14 @@
 #include "VeylaApp.h"
 
 #include "App/WorkspaceLocation.h"
+#include "Models/ApplicationIdentifier.h"
 #include "Platform/Qt/AccessibleIdentifiers.h"
 #include "Platform/Qt/AppcastUpdateFramework.h"
 #include "Platform/Qt/AtSpiAnnouncer.h"
+#include "Platform/Qt/AutostartEntry.h"
+#include "Platform/Qt/DesktopTrayIcon.h"
 #include "Platform/Qt/OverlayAccessibility.h"
+#include "Platform/Qt/PortalSettings.h"
 #include "Platform/Qt/QtApplicationHost.h"
 #include "Platform/Qt/QtMainLoop.h"
 #include "Platform/Qt/QtUpdateDialogs.h"
@@ -12,14 +16,20 @@
 #include "Platform/Qt/SessionBus.h"
 #include "Platform/Qt/StderrLog.h"
 #include "Platform/X11/X11Desktop.h"
+#include "Views/CommandShortcuts.h"
 #include "Views/Components/AccessibleElement.h"
 #include "Views/ContentView.h"
 #include "Views/Design/ApplicationLook.h"
+#include "Views/Settings/SettingsWindow.h"
 
 #include <QApplication>
+#include <chrono>
 #include <memory>
+#include <utility>
 
 namespace {
+
+constexpr std::chrono::milliseconds remakingDelay{300};
 
 // Qt reads these when the application object is made.
 void prepareToolkit() {
@@ -29,7 +39,7 @@ void prepareToolkit() {
     // Masks are windows of the X server; the toolkit must be on the same one.
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "xcb");
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Veyla"));
-    QGuiApplication::setDesktopFileName(QStringLiteral("app.veyla.Veyla"));
+    QGuiApplication::setDesktopFileName(applicationIdentifier);
     QGuiApplication::setQuitOnLastWindowClosed(false);
 }
 
@@ -46,12 +56,27 @@ CommandResult noDisplay(const QString& reason) {
 
 }  // namespace
 
-VeylaApp::VeylaApp(const AppPlatform& platform, RemoteControlService& remoteControl, Start start)
+VeylaApp::VeylaApp(const AppPlatform& platform, const Surroundings& surroundings,
+                   RemoteControlService& remoteControl, Start start)
     : m_mainLoop(platform.mainLoop),
+      m_applicationHost(platform.applicationHost),
+      m_surroundings(surroundings),
+      m_wishes(surroundings.serverWishes.value() | surroundings.portalWishes.value()),
       m_state(platform),
-      m_menuCommands(m_state, nullptr),
+      m_menuCommands(m_state, [this] { openSettings(); }),
       m_commands(m_state, [this] { m_mainLoop.quit(0); }),
-      m_signalWatcher([this] { m_mainLoop.quit(0); }) {
+      m_menuBarExtra(m_state, m_mainLoop, surroundings.trayIcon, surroundings.pointerPresses,
+                     {[this] {
+                          // Without a window until now, the program may be in no task bar.
+                          m_applicationHost.setActivationPolicy(ActivationPolicy::regular);
+                          m_applicationHost.activateIgnoringOtherApps();
+                          openSettings();
+                      },
+                      [this] { m_mainLoop.quit(0); }}),
+      m_signalWatcher([this] { m_mainLoop.quit(0); }),
+      m_lookUpdate(m_mainLoop, [this] { updateLook(); }) {
+    applyVeylaLook(m_wishes);
+    m_lookUpdate.follow(surroundings.serverWishes, surroundings.portalWishes);
     remoteControl.start(
         [this](const QStringList& arguments) { return m_commands.perform(arguments); });
     m_state.setOpenWindowAction([this](QLatin1StringView) { dashboardWindow().show(); });
@@ -70,8 +95,60 @@ ContentView& VeylaApp::dashboardWindow() {
     if (!m_dashboardWindow) {
         m_dashboardWindow = std::make_unique<ContentView>(m_state, m_mainLoop, m_menuCommands,
                                                           [this] { m_mainLoop.quit(0); });
+        // The menu gives the keyboard back to its window when it has closed.
+        m_dashboardWindow->offerPanel(m_menuBarExtra.isInTray(), [this](const QRect& anchor) {
+            m_mainLoop.post(
+                m_lifetime.guard([this, anchor] { m_menuBarExtra.togglePanel(anchor); }));
+        });
     }
     return *m_dashboardWindow;
+}
+
+SettingsWindow& VeylaApp::settingsWindow() {
+    if (!m_settingsWindow) {
+        m_settingsWindow =
+            std::make_unique<SettingsWindow>(m_state, m_mainLoop, m_surroundings.loginItem);
+        addCommandShortcuts(*m_settingsWindow, m_menuCommands);
+    }
+    return *m_settingsWindow;
+}
+
+void VeylaApp::openSettings() {
+    settingsWindow();
+    for (const auto& window : m_applicationHost.windows())
+        if (window->title() == SettingsWindow::title()) window->makeKeyAndOrderFront();
+}
+
+void VeylaApp::updateLook() {
+    const AppearanceWishes wishes =
+        m_surroundings.serverWishes.value() | m_surroundings.portalWishes.value();
+    const AppearanceWishes previous = std::exchange(m_wishes, wishes);
+    if (wishes == previous) return;
+    applyVeylaLook(wishes);
+    if (wishes.isContrastIncreased != previous.isContrastIncreased) remakeWindows();
+}
+
+// Their controls have the colours that they were made with. Who changes the contrast is in another
+// program, and stays there.
+void VeylaApp::remakeWindows() {
+    // Somebody drags something in one of them.
+    if (QGuiApplication::mouseButtons() != Qt::NoButton) {
+        m_remaking = m_mainLoop.after(remakingDelay, [this] { remakeWindows(); });
+        return;
+    }
+    m_menuBarExtra.closePanel();
+    const auto showAgain = [](QWidget& window, bool wasMinimized) {
+        window.setAttribute(Qt::WA_ShowWithoutActivating);
+        wasMinimized ? window.showMinimized() : window.show();
+        window.setAttribute(Qt::WA_ShowWithoutActivating, false);
+    };
+    if (const auto former = std::exchange(m_dashboardWindow, nullptr)) {
+        const QByteArray place = former->saveGeometry();
+        dashboardWindow().restoreGeometry(place);
+        if (former->isVisible()) showAgain(dashboardWindow(), former->isMinimized());
+    }
+    if (const auto former = std::exchange(m_settingsWindow, nullptr); former && former->isVisible())
+        showAgain(settingsWindow(), former->isMinimized());
 }
 
 int VeylaApp::run() {
@@ -84,7 +161,6 @@ CommandResult runVeyla(InstanceLock& lock, VeylaApp::Start start, int argc, char
 
     prepareToolkit();
     const QApplication application(argc, argv);
-    applyVeylaLook();
     installAccessibleElements();
     StderrLog log;
     QtMainLoop mainLoop;
@@ -97,13 +173,19 @@ CommandResult runVeyla(InstanceLock& lock, VeylaApp::Start start, int argc, char
         if (!desktop) return noDisplay(error);
         AtSpiAnnouncer announcer;
         QtApplicationHost applicationHost(desktop->windowManagement());
+        AutostartEntry loginItem = AutostartEntry::ofThisProgram();
         QtUrlLoader urlLoader(mainLoop);
         QtUpdateDialogs updateDialogs;
         AppcastUpdateFramework updateFramework(urlLoader, mainLoop, updateDialogs, log,
                                                AppcastUpdateFramework::Setup::ofThisBuild());
+        const PortalSettings portalSettings;
+        DesktopTrayIcon trayIcon(desktop->trayOwner().owner(), portalSettings.prefersLightColors(),
+                                 mainLoop);
         VeylaApp app({mainLoop, desktop->screens(), desktop->overlaySurfaces(), announcer, log,
                       applicationHost, desktop->hotKeyCenter(), desktop->workspace(), urlLoader,
                       updateFramework, workspaceDirectory()},
+                     {trayIcon, desktop->pointerPresses(), loginItem, desktop->settings().wishes(),
+                      portalSettings.wishes()},
                      remoteControl, start);
         desktop->overlaySurfaces().releaseLeftovers();
         const Subscription connectionLost = desktop->connection().onConnectionLost([&] {

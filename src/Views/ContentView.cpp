@@ -1,11 +1,13 @@
 #include "Views/ContentView.h"
 
+#include "Views/Components/SheetArea.h"
 #include "Views/DashboardView.h"
 #include "Views/Design/ApplicationLook.h"
 
 #include <QAction>
 #include <QHideEvent>
 #include <QMenuBar>
+#include <QScreen>
 #include <QWindow>
 #include <utility>
 
@@ -15,26 +17,32 @@ namespace {
 
 constexpr QSize defaultSize{1180, 760};
 constexpr int smallestHeight = 520;
+constexpr QSize roomForDecorations{0, 40};
 
 }  // namespace
 
 ContentView::ContentView(AppState& state, Scheduler& scheduler, const VeylaCommands& commands,
                          std::function<void()> quit)
-    : m_state(state), m_commands(commands), m_menuUpdate(scheduler, [this] { updateMenu(); }) {
+    : m_state(state),
+      m_commands(commands),
+      m_dashboard(new DashboardView(state, scheduler)),
+      m_whatsNew(state, scheduler, m_dashboard->sheets()),
+      m_menuUpdate(scheduler, [this] { updateMenu(); }) {
     setWindowTitle(u"Veyla"_s);
     setMinimumHeight(smallestHeight);
-    resize(defaultSize);
-    setCentralWidget(new DashboardView(state, scheduler));
-    centralWidget()->setFocus();
+    resize(defaultSize.boundedTo(screen()->availableSize() - roomForDecorations));
+    setCentralWidget(m_dashboard);
+    if (!m_dashboard->sheets().isPresenting.value()) m_dashboard->setFocus();
     makeMenus(std::move(quit));
     m_menuUpdate.follow(state.masks, state.selectedMaskID, state.areMasksVisible,
-                        state.isEditingEnabled, state.updaterManager().canCheckForUpdates());
+                        state.isEditingEnabled, state.updaterManager().canCheckForUpdates(),
+                        m_dashboard->sheets().isPresenting);
     updateMenu();
 }
 
 void ContentView::makeMenus(std::function<void()> quit) {
     styleMenus(*menuBar());
-    QMenu* const file = menuBar()->addMenu(u"&File"_s);
+    QMenu* const file = m_fileMenu = menuBar()->addMenu(u"&File"_s);
     file->addAction(u"&Close Window"_s, QKeySequence::Close, this, [this] { close(); });
     file->addSeparator();
     // Some desktops have no standard combination for it.
@@ -51,12 +59,27 @@ void ContentView::makeMenus(std::function<void()> quit) {
     }
 }
 
+void ContentView::offerPanel(const Published<bool>& isInTray,
+                             const std::function<void(const QRect&)>& showPanel) {
+    auto* const action = new QAction(u"Show &Panel"_s, this);
+    m_fileMenu->insertAction(m_fileMenu->actions().constFirst(), action);
+    connect(action, &QAction::triggered, this, [this, showPanel] {
+        const QRect title = menuBar()->actionGeometry(m_fileMenu->menuAction());
+        showPanel(QRect(menuBar()->mapToGlobal(title.topLeft()), title.size()));
+    });
+    m_panelOffer = isInTray.subscribe([action](bool isThere) { action->setVisible(!isThere); });
+}
+
+// A sheet hides what the selected mask looks like, and a key meant for the sheet must not delete
+// it.
 void ContentView::updateMenu() {
     const auto items = m_commands.items();
+    const bool hasSheet = m_dashboard->sheets().isPresenting.value();
     for (std::size_t index = 0; index < items.size(); ++index) {
         if (items[index].isSeparator()) continue;
         m_actions[index]->setText(items[index].title);
-        m_actions[index]->setEnabled(items[index].isEnabled);
+        m_actions[index]->setEnabled(items[index].isEnabled &&
+                                     !(hasSheet && items[index].actsOnSelection));
     }
 }
 

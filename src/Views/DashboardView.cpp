@@ -1,17 +1,24 @@
 #include "Views/DashboardView.h"
 
+#include "Views/Components/SheetArea.h"
 #include "Views/Dashboard/EmptyInspectorView.h"
 #include "Views/Dashboard/InspectorView.h"
+#include "Views/Dashboard/PresetsSection.h"
+#include "Views/Dashboard/SettingsCard.h"
 #include "Views/Dashboard/SidebarView.h"
 #include "Views/Design/ApplicationLook.h"
 #include "Views/Design/Typography.h"
 #include "Views/Design/VeylaTheme.h"
 #include "Views/Onboarding/OnboardingOverlay.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QPainter>
+#include <QScreen>
 #include <QScrollArea>
 #include <QStackedWidget>
+#include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -33,9 +40,13 @@ QScrollArea* scrollingPane(QWidget* content) {
     pane->setFocusPolicy(Qt::NoFocus);
     pane->viewport()->setAutoFillBackground(false);
     pane->setWidget(inside);
-    // The window is never narrower than what its controls need.
-    pane->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    pane->setMinimumWidth(inside->minimumSizeHint().width() + 12);
+    // The window is never narrower than what its controls need, unless the screen is.
+    constexpr int scrollBarWidth = 12;
+    const int needed = inside->minimumSizeHint().width() + scrollBarWidth;
+    const int room = pane->screen()->availableSize().width() - qRound(sidebarWidth * textScale());
+    pane->setHorizontalScrollBarPolicy(needed <= room ? Qt::ScrollBarAlwaysOff
+                                                      : Qt::ScrollBarAsNeeded);
+    pane->setMinimumWidth(std::min(needed, room));
     inside->setAutoFillBackground(false);
     return pane;
 }
@@ -47,8 +58,11 @@ DashboardView::DashboardView(AppState& state, Scheduler& scheduler)
       m_scheduler(scheduler),
       m_emptyState(new EmptyInspectorView(state)),
       m_detail(new QStackedWidget),
+      m_sheetArea(new SheetArea(this)),
+      m_sheets(state, scheduler, *m_sheetArea),
       m_turnUpdate(scheduler, [this] { update(); }) {
     setAttribute(Qt::WA_OpaquePaintEvent);
+    setAccessibleName(QStringLiteral("Dashboard"));
     auto* const sidebar = new SidebarView(state, scheduler, m_anchors);
     sidebar->setFixedWidth(qRound(sidebarWidth * textScale()));
     m_detail->addWidget(m_emptyState);
@@ -57,6 +71,9 @@ DashboardView::DashboardView(AppState& state, Scheduler& scheduler)
     layout->setSpacing(0);
     layout->addWidget(sidebar);
     layout->addWidget(m_detail, 1);
+    m_sheetArea->raise();
+    m_focusWatch = connect(qApp, &QApplication::focusChanged, this,
+                           [this](const QWidget*, QWidget* now) { reveal(now); });
     // The keyboard starts here, without a ring around any control.
     setFocusPolicy(Qt::ClickFocus);
     m_turnUpdate.follow(state.masks, state.selectedMaskID, state.isOnboardingPresented,
@@ -64,9 +81,12 @@ DashboardView::DashboardView(AppState& state, Scheduler& scheduler)
     update();
 }
 
-// While it is shown it looks for the anchors, which go before the views in this one do.
+// While it is shown the walkthrough looks for the anchors, which go before the views in this one
+// do. A card that goes ends its sheet, which would give the keyboard to this view.
 DashboardView::~DashboardView() {
+    disconnect(m_focusWatch);
     delete m_onboarding;
+    delete std::exchange(m_sheetArea, nullptr);
 }
 
 void DashboardView::update() {
@@ -76,11 +96,25 @@ void DashboardView::update() {
         onboarding().present(m_state.onboardingStepIndex.value());
     else if (m_onboarding)
         m_onboarding->dismiss();
+    // A walkthrough that starts meanwhile is behind the sheet.
+    m_sheetArea->raise();
+}
+
+// From beside the pane, Tab comes to what may be scrolled out of view.
+void DashboardView::reveal(QWidget* focused) {
+    if (m_inspectorPane && focused && m_inspectorPane->isAncestorOf(focused))
+        m_inspectorPane->ensureWidgetVisible(focused);
+}
+
+QWidget* DashboardView::onlyChild() const {
+    return m_sheetArea && m_sheetArea->isPresenting.value() ? m_sheetArea : nullptr;
 }
 
 QWidget* DashboardView::inspectorPane() {
     if (!m_inspectorPane) {
         m_inspector = new InspectorView(m_state, m_scheduler, m_anchors);
+        m_inspector->addSection(new PresetsSection(m_state, m_scheduler, *m_sheetArea));
+        m_inspector->addSection(new SettingsCard(m_state, m_scheduler, m_anchors));
         m_inspectorPane = scrollingPane(m_inspector);
         m_detail->addWidget(m_inspectorPane);
     }

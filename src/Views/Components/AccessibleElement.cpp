@@ -18,7 +18,20 @@ public:
     }
 
     int childCount() const override {
-        return m_element.hidesChildren() ? 0 : QAccessibleWidget::childCount();
+        if (m_element.hidesChildren()) return 0;
+        return m_element.onlyChild() ? 1 : QAccessibleWidget::childCount();
+    }
+
+    QAccessibleInterface* child(int index) const override {
+        QWidget* const only = m_element.onlyChild();
+        if (!only) return QAccessibleWidget::child(index);
+        return index == 0 ? QAccessible::queryAccessibleInterface(only) : nullptr;
+    }
+
+    int indexOfChild(const QAccessibleInterface* wanted) const override {
+        const QWidget* const only = m_element.onlyChild();
+        if (!only) return QAccessibleWidget::indexOfChild(wanted);
+        return wanted && wanted->object() == only ? 0 : -1;
     }
 
     void* interface_cast(QAccessible::InterfaceType type) override {

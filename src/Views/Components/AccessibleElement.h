@@ -3,6 +3,8 @@
 #include <QAccessible>
 #include <optional>
 
+class QWidget;
+
 /// A value between two bounds, as assistive technology reads and sets it.
 struct AccessibleAmount {
     double current = 0;
@@ -22,6 +24,8 @@ public:
     virtual void describeState(QAccessible::State& /*state*/) const {}
     /// Whether the element is one piece, so that the widgets inside it are not told.
     virtual bool hidesChildren() const { return false; }
+    /// The one widget inside it that is told, while it keeps the user from all others; else null.
+    virtual QWidget* onlyChild() const { return nullptr; }
 
     /// What pressing does, for an element that can be pressed.
     virtual bool canBePressed() const { return false; }

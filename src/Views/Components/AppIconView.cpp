@@ -1,28 +1,30 @@
 #include "Views/Components/AppIconView.h"
 
+#include "Drawing/PixelCanvas.h"
+#include "Drawing/RecentCache.h"
+#include "Models/ApplicationIdentifier.h"
+
 #include <QPainter>
 #include <QSvgRenderer>
 
 namespace {
 
-void paintIcon(QPainter& painter, const QRectF& rect) {
-    QSvgRenderer drawing(QStringLiteral(":/app/app.veyla.Veyla.svg"));
+QImage drawIcon(int pixels) {
+    QImage picture(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    QSvgRenderer drawing(QStringLiteral(":/app/%1.svg").arg(applicationIdentifier));
     drawing.setAspectRatioMode(Qt::KeepAspectRatio);
-    drawing.render(&painter, rect);
+    QPainter painter(&picture);
+    drawing.render(&painter, picture.rect());
+    return picture;
 }
 
 }  // namespace
 
 QIcon applicationIcon() {
     QIcon icon;
-    for (const int side : {16, 24, 32, 48, 64, 128, 256}) {
-        QPixmap picture(side, side);
-        picture.fill(Qt::transparent);
-        QPainter painter(&picture);
-        paintIcon(painter, picture.rect());
-        painter.end();
-        icon.addPixmap(picture);
-    }
+    for (const int side : {16, 24, 32, 48, 64, 128, 256})
+        icon.addPixmap(QPixmap::fromImage(drawIcon(side)));
     return icon;
 }
 
@@ -31,6 +33,10 @@ AppIconView::AppIconView(int side) {
 }
 
 void AppIconView::paintEvent(QPaintEvent* /*event*/) {
+    // Reading and drawing the picture takes longer than all other parts of a small window.
+    static RecentCache<int, QImage> pictures(8);
     QPainter painter(this);
-    paintIcon(painter, rect());
+    PixelCanvas canvas(painter);
+    const int pixels = canvas.pixels(width());
+    painter.drawImage(0, 0, pictures.findOrMake(pixels, [=] { return drawIcon(pixels); }));
 }

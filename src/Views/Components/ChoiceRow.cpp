@@ -12,9 +12,7 @@
 namespace {
 
 constexpr double wordCornerRadius = 6;
-constexpr double swatchDiameter = 26;
 constexpr double swatchRingWidth = 2.5;
-constexpr int swatchSide = 34;
 
 class WordButton final : public QRadioButton {
 public:
@@ -46,10 +44,11 @@ protected:
 
 class SwatchButton final : public QRadioButton {
 public:
-    SwatchButton(const QColor& color, const QString& name) : m_color(color) {
+    SwatchButton(const QColor& color, const QString& name, const SwatchLook& look)
+        : m_color(color), m_look(look) {
         setAccessibleName(name);
         setToolTip(name);
-        setFixedSize(swatchSide, swatchSide);
+        setFixedSize(look.side, look.side);
     }
 
 protected:
@@ -58,21 +57,22 @@ protected:
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         const QPointF middle = QRectF(rect()).center();
-        const double radius = swatchDiameter / 2;
+        const double radius = m_look.diameter / 2;
         painter.setPen(QPen(VeylaTheme::border(), 1));
         painter.setBrush(m_color);
         painter.drawEllipse(middle, radius - 0.5, radius - 0.5);
         painter.setBrush(Qt::NoBrush);
         if (isChecked()) {
-            painter.setPen(QPen(Qt::white, swatchRingWidth));
+            painter.setPen(QPen(m_look.ring, swatchRingWidth));
             const double ring = radius - swatchRingWidth / 2;
             painter.drawEllipse(middle, ring, ring);
         }
-        if (hasFocus()) paintFocusRing(painter, rect(), swatchSide / 2.0);
+        if (hasFocus()) paintFocusRing(painter, rect(), m_look.side / 2.0);
     }
 
 private:
     QColor m_color;
+    SwatchLook m_look;
 };
 
 }  // namespace
@@ -86,12 +86,13 @@ ChoiceRow::ChoiceRow(const QStringList& titles) {
     layout->addStretch(1);
 }
 
-ChoiceRow::ChoiceRow(const std::vector<QColor>& colors, const QStringList& names) {
+ChoiceRow::ChoiceRow(const std::vector<QColor>& colors, const QStringList& names,
+                     const SwatchLook& look) {
     auto* const layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(4);
+    layout->setSpacing(look.spacing);
     for (std::size_t index = 0; index < colors.size(); ++index)
-        add(new SwatchButton(colors[index], names.value(static_cast<qsizetype>(index))));
+        add(new SwatchButton(colors[index], names.value(static_cast<qsizetype>(index)), look));
     layout->addStretch(1);
 }
 

@@ -9,6 +9,16 @@
 
 class QRadioButton;
 
+/// How colours to choose from look; lengths are in points.
+struct SwatchLook {
+    double diameter = 26;
+    /// Of the room for a swatch, in which the ring for the keyboard has its place, too.
+    int side = 34;
+    int spacing = 4;
+    /// Around the one that holds.
+    QColor ring = Qt::white;
+};
+
 /// A few choices side by side, of which one holds; a choice is a word or a colour. The arrow keys
 /// move between them.
 class ChoiceRow final : public QWidget {
@@ -16,7 +26,8 @@ public:
     /// Words; the one that holds is highlighted.
     explicit ChoiceRow(const QStringList& titles);
     /// Colours, with what assistive technology calls them; the one that holds has a ring.
-    ChoiceRow(const std::vector<QColor>& colors, const QStringList& names);
+    ChoiceRow(const std::vector<QColor>& colors, const QStringList& names,
+              const SwatchLook& look = {});
 
     /// What the user chooses; not called by `showChoice`.
     void onChoose(std::function<void(int index)> callback) { m_onChoose = std::move(callback); }

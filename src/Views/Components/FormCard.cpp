@@ -4,7 +4,6 @@
 #include "Views/Components/TextLabel.h"
 #include "Views/Design/Layout.h"
 #include "Views/Design/VeylaCard.h"
-#include "Views/Design/VeylaTheme.h"
 
 #include <QPainter>
 #include <QVBoxLayout>
@@ -28,10 +27,12 @@ FormCard::FormCard(const QString& title, const QString& symbolName)
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 
-QWidget* FormCard::addRow(const QString& label, QWidget* controls) {
+QWidget* FormCard::addRow(const QString& label, QWidget* controls, const QWidget* firstLine) {
     auto* const text = new TextLabel(label, {11, QFont::Medium}, VeylaTheme::textSecondary());
     text->setFixedWidth(qRound(labelWidth * textScale()));
-    auto* const line = row(12, {text, {controls, 1}});
+    if (firstLine) text->setFixedHeight(firstLine->sizeHint().height());
+    const Qt::Alignment place = firstLine ? Qt::AlignTop : Qt::Alignment();
+    auto* const line = row(12, {{text, 0, place}, {controls, 1}});
     m_rows->addWidget(line);
     return line;
 }
@@ -42,12 +43,11 @@ void FormCard::addWide(QWidget* view) {
 
 void FormCard::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    const VeylaCardModifier look;
-    look.paintBackground(painter, rect());
-    look.paintBorder(painter, rect());
+    paintPanel(painter, rect(), VeylaCardModifier::cornerRadius, VeylaTheme::panel(),
+               VeylaTheme::border());
 }
 
-TextLabel* sectionHeader(const QString& title) {
+TextLabel* sectionHeader(const QString& title, const QColor& color) {
     const TextStyle style{.size = 10, .weight = QFont::Bold, .tracking = 0.6, .isUpperCase = true};
-    return new TextLabel(title, style, VeylaTheme::textMuted());
+    return new TextLabel(title, style, color);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Views/Design/Typography.h"
+#include "Views/Design/VeylaTheme.h"
 
 #include <QWidget>
 
@@ -13,8 +14,8 @@ public:
     FormCard(const QString& title, const QString& symbolName);
 
     /// A row with its label on the left, at one width for all rows, and its controls on the right.
-    /// Returns the row.
-    QWidget* addRow(const QString& label, QWidget* controls);
+    /// Beside several lines of controls the label stands beside `firstLine`. Returns the row.
+    QWidget* addRow(const QString& label, QWidget* controls, const QWidget* firstLine = nullptr);
     /// A row as wide as the card.
     void addWide(QWidget* view);
 
@@ -26,4 +27,4 @@ private:
 };
 
 /// The small line in capitals above a part of a column.
-TextLabel* sectionHeader(const QString& title);
+TextLabel* sectionHeader(const QString& title, const QColor& color = VeylaTheme::textMuted());

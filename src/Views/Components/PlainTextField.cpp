@@ -6,26 +6,30 @@
 
 #include <QPainter>
 
-PlainTextField::PlainTextField(const QString& placeholder, const TextStyle& style) {
+PlainTextField::PlainTextField(const QString& placeholder, const TextStyle& style, Border border)
+    : m_border(border) {
     setPlaceholderText(placeholder);
     setFont(systemFont(style));
     setFrame(false);
-    setTextMargins(-2, 2, 4, 2);
+    const bool isRounded = border == Border::rounded;
+    setTextMargins(isRounded ? QMargins(6, 5, 6, 5) : QMargins(-2, 2, 4, 2));
     QPalette colors = palette();
     colors.setColor(QPalette::Base, Qt::transparent);
     colors.setColor(QPalette::Text, VeylaTheme::textPrimary());
     colors.setColor(QPalette::PlaceholderText, VeylaTheme::textMuted());
     colors.setColor(QPalette::Highlight, VeylaTheme::accentBlue());
-    colors.setColor(QPalette::HighlightedText, Qt::white);
+    colors.setColor(QPalette::HighlightedText, VeylaTheme::textOn(VeylaTheme::accentBlue()));
     setPalette(colors);
 }
 
 void PlainTextField::paintEvent(QPaintEvent* event) {
     constexpr double cornerRadius = 5;
-    if (hasFocus()) {
+    const bool hasBorder = m_border == Border::rounded;
+    if (hasFocus() || hasBorder) {
         QPainter painter(this);
-        paintPanel(painter, rect(), cornerRadius, VeylaTheme::panelMuted());
-        paintFocusRing(painter, rect(), cornerRadius);
+        paintPanel(painter, rect(), cornerRadius, VeylaTheme::panelMuted(),
+                   VeylaTheme::withOpacity(Qt::white, hasBorder ? 0.14 : 0));
+        if (hasFocus()) paintFocusRing(painter, rect(), cornerRadius);
     }
     QLineEdit::paintEvent(event);
 }

@@ -4,11 +4,18 @@
 
 #include <QLineEdit>
 
-/// A field for one line of text, without a frame until the keyboard is in it.
+/// A field for one line of text. Without a frame until the keyboard is in it, or with a rounded
+/// border.
 class PlainTextField final : public QLineEdit {
 public:
-    PlainTextField(const QString& placeholder, const TextStyle& style);
+    enum class Border { none, rounded };
+
+    PlainTextField(const QString& placeholder, const TextStyle& style,
+                   Border border = Border::none);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    Border m_border;
 };

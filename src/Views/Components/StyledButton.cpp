@@ -4,6 +4,7 @@
 #include "Views/Design/VeylaTheme.h"
 
 #include <QEvent>
+#include <QKeyEvent>
 #include <QPainter>
 #include <cmath>
 
@@ -37,6 +38,13 @@ void StyledButton::show(const QString& title, const QString& symbolName) {
 void StyledButton::setSymbolColor(const QColor& color) {
     if (color == m_look.symbol.color) return;
     m_look.symbol.color = color;
+    update();
+}
+
+void StyledButton::setLook(const ButtonLook& look) {
+    m_look = look;
+    setFont(systemFont(look.text));
+    updateGeometry();
     update();
 }
 
@@ -89,6 +97,13 @@ void StyledButton::paintContent(QPainter& painter) {
     painter.setPen(m_look.textColor);
     const QRectF place(x, 0, width() - x, height());
     painter.drawText(place, static_cast<int>(Qt::AlignVCenter | Qt::AlignLeft), text());
+}
+
+void StyledButton::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        click();
+    else
+        QPushButton::keyPressEvent(event);
 }
 
 void StyledButton::enterEvent(QEnterEvent* /*event*/) {
@@ -154,6 +169,46 @@ StyledButton* textButton(const QString& title, const TextStyle& text, const QMar
     look.cornerRadius = cornerRadius;
     look.padding = padding;
     return new StyledButton(title, look);
+}
+
+StyledButton* cancelButton() {
+    return textButton(QStringLiteral("Cancel"), {11, QFont::Medium}, {14, 7, 14, 7}, 7);
+}
+
+StyledButton* prominentButton(const QString& title, const QColor& fill) {
+    ButtonLook look;
+    look.text = {11, QFont::DemiBold};
+    look.textColor = fill.isValid() ? VeylaTheme::textOn(fill) : QColor(Qt::white);
+    look.fill = fill;
+    look.hasGradient = !fill.isValid();
+    look.padding = {14, 7, 14, 7};
+    return new StyledButton(title, look);
+}
+
+StyledButton* destructiveButton(const QString& title) {
+    ButtonLook look;
+    look.text = {11, QFont::Medium};
+    look.textColor = VeylaTheme::accentRed();
+    look.fill = VeylaTheme::withOpacity(VeylaTheme::accentRed(), 0.1);
+    look.border = VeylaTheme::withOpacity(VeylaTheme::accentRed(), 0.25);
+    look.padding = {14, 7, 14, 7};
+    return new StyledButton(title, look);
+}
+
+StyledButton* linkButton(const QString& title, const TextStyle& text, const QColor& color,
+                         const QString& address) {
+    ButtonLook look;
+    look.text = text;
+    look.textColor = color;
+    look.cornerRadius = 4;
+    look.padding = {6, 3, 6, 3};
+    auto* const button = new StyledButton(title, look);
+    QFont font = button->font();
+    font.setUnderline(true);
+    button->setFont(font);
+    button->setCursor(Qt::PointingHandCursor);
+    button->setToolTip(address);
+    return button;
 }
 
 void paintFocusRing(QPainter& painter, const QRectF& rect, double cornerRadius) {

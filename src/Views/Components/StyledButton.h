@@ -33,6 +33,8 @@ public:
     /// Changes what is shown; costs nothing when it is the same.
     void show(const QString& title, const QString& symbolName);
     void setSymbolColor(const QColor& color);
+    /// Takes another look, symbol included.
+    void setLook(const ButtonLook& look);
 
     using QPushButton::show;
     QSize sizeHint() const override;
@@ -40,6 +42,8 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    /// Return presses it as Space does.
+    void keyPressEvent(QKeyEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
 
@@ -61,6 +65,16 @@ StyledButton* bareIconButton(const QString& label, const Symbol& symbol, const Q
 /// Button of text alone on the muted panel.
 StyledButton* textButton(const QString& title, const TextStyle& text, const QMargins& padding,
                          double cornerRadius);
+
+/// Small button that leaves everything as it is.
+StyledButton* cancelButton();
+/// Small button of text alone that stands out, on a colour or, without one, on the gradient.
+StyledButton* prominentButton(const QString& title, const QColor& fill = {});
+/// Small button of text alone for what cannot be undone.
+StyledButton* destructiveButton(const QString& title);
+/// Underlined text that leads out of the program, to that address.
+StyledButton* linkButton(const QString& title, const TextStyle& text, const QColor& color,
+                         const QString& address);
 
 /// Draws the ring that shows where the keyboard is, along the inside of `rect`.
 void paintFocusRing(QPainter& painter, const QRectF& rect, double cornerRadius);

@@ -1,5 +1,6 @@
 #include "Views/Components/TextLabel.h"
 
+#include <QEvent>
 #include <QPainter>
 #include <algorithm>
 
@@ -15,17 +16,21 @@ TextLabel::TextLabel(const QString& text, const TextStyle& style, const QColor& 
 }
 
 void TextLabel::showText(const QString& text) {
-    if (text == m_text && text == QLabel::text()) return;
+    if (text == m_text) return;
     m_text = text;
+    m_textWidth = -1;
+    const bool isLine = m_lines == Lines::one;
     // What assistive technology reads; one line is painted below.
-    setText(m_lines == Lines::one ? onOneLine(text) : text);
-    if (minimumWidth() == maximumWidth()) setParagraphWidth(minimumWidth());
-    updateToolTip();
+    setText(isLine ? onOneLine(text) : withBreakableWords(text));
+    if (!isLine) setAccessibleName(QLabel::text() == text ? QString() : text);
+    if (!isLine && hasFixedWidth()) setParagraphWidth(minimumWidth());
     updateGeometry();
 }
 
 void TextLabel::setParagraphWidth(int width) {
     setFixedSize(width, std::max(heightForWidth(width), fontMetrics().height()));
+    // Layouts need not try other widths.
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
 void TextLabel::setColor(const QColor& color) {
@@ -36,13 +41,19 @@ void TextLabel::setColor(const QColor& color) {
     setPalette(colors);
 }
 
+int TextLabel::textWidth() const {
+    if (m_textWidth < 0) m_textWidth = fontMetrics().horizontalAdvance(text());
+    return m_textWidth;
+}
+
 QSize TextLabel::sizeHint() const {
-    if (m_lines == Lines::paragraph) return QLabel::sizeHint();
-    return {fontMetrics().horizontalAdvance(text()) + 1, fontMetrics().height()};
+    if (m_lines == Lines::paragraph) return hasFixedWidth() ? minimumSize() : QLabel::sizeHint();
+    return {hasFixedWidth() ? minimumWidth() : textWidth() + 1, fontMetrics().height()};
 }
 
 QSize TextLabel::minimumSizeHint() const {
-    if (m_lines == Lines::paragraph) return QLabel::minimumSizeHint();
+    if (m_lines == Lines::paragraph)
+        return hasFixedWidth() ? minimumSize() : QLabel::minimumSizeHint();
     return {std::min(sizeHint().width(), 2 * fontMetrics().height()), fontMetrics().height()};
 }
 
@@ -50,19 +61,24 @@ void TextLabel::paintEvent(QPaintEvent* event) {
     if (m_lines == Lines::paragraph) return QLabel::paintEvent(event);
     QPainter painter(this);
     painter.setPen(m_color);
+    const bool isCut = textWidth() > width();
     painter.drawText(rect(), static_cast<int>(alignment() | Qt::TextSingleLine),
-                     fontMetrics().elidedText(text(), Qt::ElideRight, width()));
+                     isCut ? fontMetrics().elidedText(text(), Qt::ElideRight, width()) : text());
 }
 
-void TextLabel::resizeEvent(QResizeEvent* event) {
-    QLabel::resizeEvent(event);
-    updateToolTip();
+// Whether the text is cut is found out when somebody asks for the whole of it.
+bool TextLabel::event(QEvent* event) {
+    if (event->type() == QEvent::ToolTip && m_lines == Lines::one) setToolTip(cutToolTip());
+    return QLabel::event(event);
 }
 
-void TextLabel::updateToolTip() {
-    const bool isCut = m_lines == Lines::one && sizeHint().width() > width() + 1;
+void TextLabel::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::FontChange) m_textWidth = -1;
+    QLabel::changeEvent(event);
+}
+
+QString TextLabel::cutToolTip() const {
+    if (textWidth() <= width()) return {};
     // A tooltip that could be markup is read as markup.
-    setToolTip(isCut ? text().toHtmlEscaped().prepend(QStringLiteral("<qt>")) +
-                           QStringLiteral("</qt>")
-                     : QString());
+    return QStringLiteral("<qt>%1</qt>").arg(text().toHtmlEscaped());
 }

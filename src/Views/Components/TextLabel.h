@@ -6,7 +6,8 @@
 #include <QLabel>
 
 /// Text as it is, never read as markup. One line is cut off with an ellipsis where there is no
-/// room, and then shows all of itself as its tooltip; a paragraph wraps.
+/// room, and then shows all of itself as its tooltip; a paragraph wraps, inside words where it
+/// must.
 class TextLabel final : public QLabel {
 public:
     enum class Lines { one, paragraph };
@@ -25,12 +26,17 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
+    bool event(QEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
-    void updateToolTip();
+    bool hasFixedWidth() const { return minimumWidth() == maximumWidth(); }
+    QString cutToolTip() const;
+    int textWidth() const;
 
     QString m_text;
     QColor m_color;
     Lines m_lines;
+    /// Of the text on one line; negative until it is needed. Layouts ask for it many times.
+    mutable int m_textWidth = -1;
 };

@@ -4,6 +4,7 @@
 #include "Views/Design/VeylaCard.h"
 #include "Views/Design/VeylaTheme.h"
 
+#include <QEvent>
 #include <QPainter>
 #include <QSignalBlocker>
 
@@ -28,9 +29,17 @@ void ToggleSwitch::showIsOn(bool isOn) {
 }
 
 QSize ToggleSwitch::sizeHint() const {
-    const int textWidth = fontMetrics().horizontalAdvance(text());
-    return {static_cast<int>(track.width() + gap) + textWidth + 4,
-            std::max(static_cast<int>(track.height()), fontMetrics().height()) + 6};
+    if (!m_sizeHint.isValid()) {
+        const int textWidth = fontMetrics().horizontalAdvance(text());
+        m_sizeHint = {static_cast<int>(track.width() + gap) + textWidth + 4,
+                      std::max(static_cast<int>(track.height()), fontMetrics().height()) + 6};
+    }
+    return m_sizeHint;
+}
+
+void ToggleSwitch::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::FontChange) m_sizeHint = {};
+    QCheckBox::changeEvent(event);
 }
 
 bool ToggleSwitch::hitButton(const QPoint& position) const {
@@ -49,7 +58,7 @@ void ToggleSwitch::paintEvent(QPaintEvent* /*event*/) {
     const double diameter = track.height() - 2 * knobInset;
     const double x = isChecked() ? box.right() - knobInset - diameter : box.left() + knobInset;
     painter.setPen(Qt::NoPen);
-    painter.setBrush(Qt::white);
+    painter.setBrush(isChecked() ? VeylaTheme::textOn(m_tint) : QColor(Qt::white));
     painter.drawEllipse(QRectF(x, box.top() + knobInset, diameter, diameter));
     painter.setPen(VeylaTheme::textPrimary());
     painter.drawText(QRectF(box.right() + gap, 0, width(), height()),

@@ -16,7 +16,10 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override;
     bool hitButton(const QPoint& position) const override;
+    void changeEvent(QEvent* event) override;
 
 private:
+    /// Not valid until it is needed; layouts ask for it many times.
+    mutable QSize m_sizeHint;
     QColor m_tint;
 };

@@ -1,10 +1,10 @@
 #include "Views/Dashboard/InspectorView.h"
 
-#include "Drawing/SystemColors.h"
 #include "Platform/AccessibleIdentifier.h"
 #include "Views/Components/AmountSlider.h"
 #include "Views/Components/ChoiceRow.h"
 #include "Views/Components/FormCard.h"
+#include "Views/Components/MaskChoices.h"
 #include "Views/Components/PlainTextField.h"
 #include "Views/Components/StyledButton.h"
 #include "Views/Components/TextLabel.h"
@@ -12,35 +12,11 @@
 #include "Views/Design/Layout.h"
 #include "Views/Design/VeylaTheme.h"
 
-#include <algorithm>
-
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
 constexpr double leastOpacity = 0.15;
-constexpr std::array maskStyles{ScreenMask::Style::blackout, ScreenMask::Style::frosted,
-                                ScreenMask::Style::softTint};
-
-std::vector<QColor> swatchColors() {
-    std::vector<QColor> colors;
-    for (const QString& hex : InspectorView::palette())
-        colors.push_back(paintColor(Color::fromHex(hex).value_or(SystemColors::black)));
-    return colors;
-}
-
-QStringList styleNames() {
-    QStringList names;
-    for (const auto style : maskStyles)
-        names << ScreenMask::displayName(style);
-    return names;
-}
-
-template <typename Items, typename Item>
-int indexOf(const Item& item, const Items& items) {
-    const auto found = std::find(items.begin(), items.end(), item);
-    return found == items.end() ? -1 : static_cast<int>(found - items.begin());
-}
 
 }  // namespace
 
@@ -56,11 +32,11 @@ InspectorView::InspectorView(AppState& state, Scheduler& scheduler, CoachmarkAnc
       m_summary(new TextLabel({}, {12, QFont::Medium}, VeylaTheme::textSecondary())),
       m_duplicate(iconButton(u"Duplicate"_s, u"doc.on.doc"_s)),
       m_visibility(iconButton(u"Hide"_s, u"eye"_s)),
-      m_styles(new ChoiceRow(styleNames())),
+      m_styles(new ChoiceRow(maskStyleNames())),
       m_opacity(new AmountSlider(leastOpacity, 1, VeylaTheme::accentBlue())),
       m_opacityText(new TextLabel({}, {11}, VeylaTheme::textPrimary())),
-      m_colors(new ChoiceRow(swatchColors(), {u"Graphite"_s, u"Blue"_s, u"Violet"_s, u"Green"_s,
-                                              u"Orange"_s, u"Red"_s})),
+      m_colors(new ChoiceRow(swatchColors(palette()), {u"Graphite"_s, u"Blue"_s, u"Violet"_s,
+                                                       u"Green"_s, u"Orange"_s, u"Red"_s})),
       m_clickThrough(new ToggleSwitch(u"Click-through"_s, VeylaTheme::accentGreen())),
       m_isVisible(new ToggleSwitch(u"Visible"_s, VeylaTheme::accentGreen())),
       m_position(new TextLabel({}, {11}, VeylaTheme::textSecondary())),
@@ -76,6 +52,17 @@ InspectorView::InspectorView(AppState& state, Scheduler& scheduler, CoachmarkAnc
     layout->addStretch(1);
     m_turnUpdate.follow(state.masks, state.selectedMaskID);
     update();
+}
+
+void InspectorView::addSection(QWidget* section) {
+    auto* const rows = static_cast<QVBoxLayout*>(layout());
+    const int belowSections = 2;  // the footer, and the room that is left
+    rows->insertWidget(rows->count() - belowSections, section);
+    // The footer is passed last, although it was there first.
+    QWidget* last = m_remove;
+    for (QWidget* const inside : section->findChildren<QWidget*>())
+        if ((inside->focusPolicy() & Qt::TabFocus) == Qt::TabFocus) last = inside;
+    if (last != m_remove) setTabOrder(last, m_remove);
 }
 
 QWidget* InspectorView::header() {
@@ -100,7 +87,8 @@ FormCard* InspectorView::appearanceCard(CoachmarkAnchors& anchors) {
 
 QWidget* InspectorView::styleRow() {
     m_styles->onChoose([this](int index) {
-        if (m_maskID) m_state.setStyle(*m_maskID, maskStyles.at(static_cast<std::size_t>(index)));
+        if (m_maskID)
+            m_state.setStyle(*m_maskID, ScreenMask::allStyles.at(static_cast<std::size_t>(index)));
     });
     return m_styles;
 }
@@ -175,11 +163,11 @@ QWidget* InspectorView::footer() {
     look.fill = VeylaTheme::withOpacity(VeylaTheme::accentRed(), 0.1);
     look.border = VeylaTheme::withOpacity(VeylaTheme::accentRed(), 0.25);
     look.padding = padding(12, 8);
-    auto* const remove = new StyledButton(u"Delete Mask"_s, look);
-    remove->setAccessibleName(u"Delete mask permanently"_s);
-    setAccessibleIdentifier(*remove, u"delete-mask-button"_s);
-    connect(remove, &QPushButton::clicked, this, [this] { m_state.deleteSelectedMask(); });
-    return row(12, {{m_maskIDText, 1}, remove});
+    m_remove = new StyledButton(u"Delete Mask"_s, look);
+    m_remove->setAccessibleName(u"Delete mask permanently"_s);
+    setAccessibleIdentifier(*m_remove, u"delete-mask-button"_s);
+    connect(m_remove, &QPushButton::clicked, this, [this] { m_state.deleteSelectedMask(); });
+    return row(12, {{m_maskIDText, 1}, m_remove});
 }
 
 void InspectorView::update() {
@@ -204,10 +192,10 @@ void InspectorView::showMask(const ScreenMask& mask) {
         m_visibility->setAccessibleName(label);
         m_visibility->setToolTip(label);
     }
-    m_styles->showChoice(indexOf(mask.style, maskStyles));
+    m_styles->showChoice(choiceOf(mask.style, ScreenMask::allStyles));
     m_opacity->showAmount(mask.opacity);
     m_opacityText->showText(truncatedText(mask.opacity * 100) + u'%');
-    m_colors->showChoice(indexOf(mask.colorHex, palette()));
+    m_colors->showChoice(choiceOf(mask.colorHex, palette()));
     m_clickThrough->showIsOn(mask.isClickThrough);
     m_isVisible->showIsOn(mask.isVisible);
     m_position->showText(
@@ -217,6 +205,8 @@ void InspectorView::showMask(const ScreenMask& mask) {
 
 void InspectorView::reloadName() {
     if (const auto mask = m_state.activeMask()) m_name->setText(mask->name);
+    // A name that is too long shows how it begins.
+    m_name->setCursorPosition(0);
 }
 
 void InspectorView::submitName() {

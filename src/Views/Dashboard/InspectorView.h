@@ -26,6 +26,9 @@ public:
     /// The references must outlive the view.
     InspectorView(AppState& state, Scheduler& scheduler, CoachmarkAnchors& anchors);
 
+    /// Adds a section below the cards of the mask, above the footer.
+    void addSection(QWidget* section);
+
     /// The pane comes on screen again: typed text that was not submitted is dropped.
     void reloadName();
 
@@ -57,5 +60,6 @@ private:
     ToggleSwitch* m_isVisible;
     TextLabel* m_position;
     TextLabel* m_maskIDText;
+    StyledButton* m_remove = nullptr;
     TurnUpdate m_turnUpdate;
 };

@@ -297,9 +297,7 @@ void LayerList::showMaskMenu(const QUuid& maskID, QPoint position) {
     styleMenus(*menu);
     QMenu* const targets = menu->addMenu(u"Move to Group"_s);
     for (const MaskGroup& group : groups) {
-        // An ampersand would underline the next letter.
-        const QString title = onOneLine(group.name).replace(u'&', u"&&"_s);
-        targets->addAction(title, this, [this, maskID, groupID = group.id] {
+        targets->addAction(menuTitle(group.name), this, [this, maskID, groupID = group.id] {
             m_state.addMaskToGroup(maskID, groupID);
         });
     }

@@ -14,11 +14,15 @@ struct TextStyle {
     bool isMonospaced = false;
     /// Shown in capitals; the text itself stays as it is.
     bool isUpperCase = false;
+
+    bool operator==(const TextStyle&) const = default;
 };
 
+/// Follows the application's font; cheap to ask again.
 QFont systemFont(const TextStyle& style);
 
-/// How much larger than the design the text is; lengths that hold text grow with it.
+/// How much larger than the design the text is, cheap to ask for; lengths that hold text grow with
+/// it.
 double textScale();
 
 /// The number without its fraction, as views write lengths and percentages.
@@ -27,3 +31,6 @@ QString truncatedText(double number);
 /// The text on one line: line breaks and control characters become blanks, and what no window
 /// could show is cut off.
 QString onOneLine(const QString& text);
+
+/// The text with places, which nobody sees, where a word may be broken that is too long for a line.
+QString withBreakableWords(const QString& text);

@@ -51,15 +51,33 @@ private:
     CardBorder* m_border;
 };
 
+/// What a colour looks like on an opaque one.
+QColor over(const QColor& above, const QColor& below) {
+    const float part = above.alphaF();
+    const auto mix = [part](float upper, float lower) { return upper * part + lower * (1 - part); };
+    return QColor::fromRgbF(mix(above.redF(), below.redF()), mix(above.greenF(), below.greenF()),
+                            mix(above.blueF(), below.blueF()));
+}
+
 }  // namespace
 
 void paintPanel(QPainter& painter, const QRectF& rect, double radius, const QBrush& fill,
                 const QColor& border, double borderWidth) {
     painter.setRenderHint(QPainter::Antialiasing);
     const ContinuousRoundedRect shape{rect, radius};
-    if (fill.style() != Qt::NoBrush) painter.fillPath(shape.path(), fill);
-    if (border.isValid())
-        painter.strokePath(shape.insetBy(borderWidth / 2).path(), QPen(border, borderWidth));
+    QPainterPath outline = shape.path();
+    if (!border.isValid()) return painter.fillPath(outline, fill);
+    const QPainterPath inside = shape.insetBy(borderWidth).path();
+    // Strokes and translucent fills of large shapes take a multiple of the time of opaque fills.
+    if (fill.style() == Qt::SolidPattern && fill.isOpaque()) {
+        painter.fillPath(outline, over(border, fill.color()));
+        painter.fillPath(inside, fill);
+        return;
+    }
+    if (fill.style() != Qt::NoBrush) painter.fillPath(outline, fill);
+    outline.addPath(inside);
+    outline.setFillRule(Qt::OddEvenFill);
+    painter.fillPath(outline, border);
 }
 
 void VeylaCardModifier::paintBackground(QPainter& painter, const QRectF& rect) const {

@@ -2,6 +2,8 @@
 
 #include "Drawing/SystemColors.h"
 
+#include <cmath>
+
 namespace {
 
 QColor fromHex(const char16_t* hex) {
@@ -12,9 +14,32 @@ QColor white(double opacity) {
     return paintColor(SystemColors::white.withOpacity(opacity));
 }
 
+// WCAG 2.1, "relative luminance".
+double relativeLuminance(const QColor& color) {
+    const auto linear = [](double channel) {
+        return channel <= 0.03928 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+           0.0722 * linear(color.blueF());
+}
+
+bool isContrastIncreased = false;
+
+/// A colour as it usually is, and for more contrast.
+struct Tone {
+    QColor usual;
+    QColor increased;
+
+    QColor now() const { return isContrastIncreased ? increased : usual; }
+};
+
 }  // namespace
 
 namespace VeylaTheme {
+
+void setContrastIncreased(bool isIncreased) {
+    isContrastIncreased = isIncreased;
+}
 
 QColor background() {
     static const QColor color = fromHex(u"#090A0F");
@@ -56,48 +81,48 @@ QColor panelMuted() {
 }
 
 QColor border() {
-    static const QColor color = white(0.07);
-    return color;
+    static const Tone tone{white(0.07), white(0.5)};
+    return tone.now();
 }
 
 QColor softBorder() {
-    static const QColor color = white(0.05);
-    return color;
+    static const Tone tone{white(0.05), white(0.4)};
+    return tone.now();
 }
 
 QColor textPrimary() {
-    static const QColor color = white(0.96);
-    return color;
+    static const Tone tone{white(0.96), white(1)};
+    return tone.now();
 }
 
 QColor textSecondary() {
-    static const QColor color = fromHex(u"#94A3B8");
-    return color;
+    static const Tone tone{fromHex(u"#94A3B8"), fromHex(u"#E2E8F0")};
+    return tone.now();
 }
 
 QColor textMuted() {
-    static const QColor color = fromHex(u"#64748B");
-    return color;
+    static const Tone tone{fromHex(u"#64748B"), fromHex(u"#CBD5E1")};
+    return tone.now();
 }
 
 QColor accentBlue() {
-    static const QColor color = fromHex(u"#6366F1");
-    return color;
+    static const Tone tone{fromHex(u"#6366F1"), fromHex(u"#A5B4FC")};
+    return tone.now();
 }
 
 QColor accentIndigo() {
-    static const QColor color = fromHex(u"#8B5CF6");
-    return color;
+    static const Tone tone{fromHex(u"#8B5CF6"), fromHex(u"#C4B5FD")};
+    return tone.now();
 }
 
 QColor accentGreen() {
-    static const QColor color = fromHex(u"#10B981");
-    return color;
+    static const Tone tone{fromHex(u"#10B981"), fromHex(u"#34D399")};
+    return tone.now();
 }
 
 QColor accentRed() {
-    static const QColor color = fromHex(u"#F43F5E");
-    return color;
+    static const Tone tone{fromHex(u"#F43F5E"), fromHex(u"#FDA4AF")};
+    return tone.now();
 }
 
 QColor warning() {
@@ -106,8 +131,8 @@ QColor warning() {
 }
 
 QColor focusRing() {
-    static const QColor color = fromHex(u"#A5B4FC");
-    return color;
+    static const Tone tone{fromHex(u"#A5B4FC"), fromHex(u"#FFFFFF")};
+    return tone.now();
 }
 
 QLinearGradient primaryGradient(const QRectF& rect) {
@@ -117,6 +142,13 @@ QLinearGradient primaryGradient(const QRectF& rect) {
     gradient.setColorAt(0, left);
     gradient.setColorAt(1, right);
     return gradient;
+}
+
+QColor textOn(const QColor& accent) {
+    // Where black and white have the same contrast (WCAG 2.1).
+    constexpr double middleLuminance = 0.179;
+    return isContrastIncreased && relativeLuminance(accent) > middleLuminance ? background()
+                                                                              : QColor(Qt::white);
 }
 
 QColor withOpacity(QColor color, double factor) {

@@ -46,7 +46,8 @@ private:
 
 OnboardingCard::OnboardingCard(QWidget* parent)
     : QWidget(parent),
-      m_title(new TextLabel({}, {15, QFont::Bold}, VeylaTheme::textPrimary())),
+      m_title(new TextLabel({}, {15, QFont::Bold}, VeylaTheme::textPrimary(),
+                            TextLabel::Lines::paragraph)),
       m_counter(new TextLabel({}, {.size = 10, .weight = QFont::DemiBold, .isMonospaced = true},
                               VeylaTheme::textMuted())),
       m_body(new TextLabel({}, {12}, VeylaTheme::textSecondary(), TextLabel::Lines::paragraph)),
@@ -68,8 +69,11 @@ OnboardingCard::OnboardingCard(QWidget* parent)
     setAccessibleIdentifier(*m_next, u"onboarding-next-button"_s);
 
     constexpr int inside = 16;
+    constexpr int gap = 8;
+    const int counterWidth = m_counter->fontMetrics().horizontalAdvance(u"0 of 0"_s) + 1;
+    m_title->setParagraphWidth(cardWidth - 2 * inside - gap - counterWidth);
     auto* const content = column(12,
-                                 {row(8, {{m_title, 1}, m_counter}), m_body, m_dots,
+                                 {row(gap, {{m_title, 1}, m_counter}), m_body, m_dots,
                                   row(8, {m_skip, LayoutItem::space(), m_next})},
                                  padding(inside, inside));
     content->setFixedWidth(cardWidth);

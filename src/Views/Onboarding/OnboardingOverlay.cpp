@@ -3,6 +3,7 @@
 #include "Drawing/ContinuousRoundedRect.h"
 #include "Platform/AccessibleIdentifier.h"
 #include "Views/Components/StyledButton.h"
+#include "Views/Design/ApplicationLook.h"
 #include "Views/Design/VeylaCard.h"
 #include "Views/Design/VeylaTheme.h"
 #include "Views/Onboarding/OnboardingCard.h"
@@ -61,8 +62,6 @@ OnboardingOverlay::OnboardingOverlay(const QList<OnboardingStep>& steps,
     m_card->nextButton()->installEventFilter(this);
     m_card->skipButton()->installEventFilter(this);
     m_move.setEasingCurve(QEasingCurve::InOutQuad);
-    m_move.setDuration(stepMilliseconds);
-    m_fade.setDuration(fadeMilliseconds);
     connect(&m_fade, &QVariantAnimation::valueChanged, this, [this](const QVariant& value) {
         m_opacity = value.toDouble();
         update();
@@ -80,12 +79,16 @@ void OnboardingOverlay::present(int index) {
     if (m_index == index) return followAnchoredView();
     const bool wasPresented = m_index && isStep(*m_index);
     m_index = index;
-    if (!isStep(index)) return hide();
+    if (!isStep(index)) {
+        giveKeyboardBack();
+        return hide();
+    }
+    if (!wasPresented) m_formerFocus = window()->focusWidget();
     m_card->showStep(m_steps, index);
     setGeometry(parentWidget()->rect());
     revealAnchoredView();
     watchAnchoredView();
-    moveTo(placement(), wasPresented && isVisible() && m_isAnimated);
+    moveTo(placement(), wasPresented && isVisible());
     QWidget::show();
     m_card->show();
     raise();
@@ -98,15 +101,25 @@ void OnboardingOverlay::dismiss() {
     m_index.reset();
     m_watched.clear();
     m_move.stop();
+    giveKeyboardBack();
     m_card->hide();
     fadeTo(0);
+}
+
+// It would stay on a card that nobody sees.
+void OnboardingOverlay::giveKeyboardBack() {
+    const QWidget* const focused = window()->focusWidget();
+    if (focused != this && !isAncestorOf(focused)) return;
+    const bool canHaveIt =
+        m_formerFocus && m_formerFocus->isVisible() && m_formerFocus->isEnabled();
+    (canHaveIt ? m_formerFocus.data() : parentWidget())->setFocus(Qt::OtherFocusReason);
 }
 
 void OnboardingOverlay::fadeTo(double opacity) {
     m_fade.stop();
     m_fade.setStartValue(m_opacity);
     m_fade.setEndValue(opacity);
-    m_fade.setDuration(m_isAnimated ? fadeMilliseconds : 0);
+    m_fade.setDuration(motionDuration(fadeMilliseconds));
     m_fade.start();
 }
 
@@ -192,7 +205,9 @@ OnboardingOverlay::Placement OnboardingOverlay::placement() const {
 void OnboardingOverlay::moveTo(const Placement& target, bool isAnimated) {
     m_move.stop();
     m_move.disconnect(this);
-    if (!isAnimated) return show(target);
+    const int duration = isAnimated ? motionDuration(stepMilliseconds) : 0;
+    if (duration == 0) return show(target);
+    m_move.setDuration(duration);
     const Placement start = m_shown;
     m_move.setStartValue(0.0);
     m_move.setEndValue(1.0);
@@ -262,7 +277,8 @@ void OnboardingOverlay::keyPressEvent(QKeyEvent* event) {
 }
 
 // Tab stays on the card while it is shown.
-bool OnboardingOverlay::focusNextPrevChild(bool /*isNext*/) {
+bool OnboardingOverlay::focusNextPrevChild(bool isNext) {
+    if (!m_index) return QWidget::focusNextPrevChild(isNext);
     const bool isOnNext = m_card->nextButton()->hasFocus();
     (isOnNext ? m_card->skipButton() : m_card->nextButton())->setFocus(Qt::TabFocusReason);
     return true;

@@ -3,6 +3,7 @@
 #include "Models/OnboardingStep.h"
 #include "Views/Onboarding/CoachmarkAnchors.h"
 
+#include <QPointer>
 #include <QVariantAnimation>
 #include <QWidget>
 #include <functional>
@@ -35,9 +36,6 @@ public:
     /// Fades out.
     void dismiss();
 
-    /// Without the time that animations take, for who asked the desktop for less motion.
-    void setAnimated(bool isAnimated) { m_isAnimated = isAnimated; }
-
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 protected:
@@ -61,14 +59,16 @@ private:
     void moveTo(const Placement& target, bool isAnimated);
     void show(const Placement& placement);
     void fadeTo(double opacity);
+    void giveKeyboardBack();
 
     QList<OnboardingStep> m_steps;
     const CoachmarkAnchors& m_anchors;
     Actions m_actions;
     OnboardingCard* m_card;
     std::optional<int> m_index;
+    /// What had the keyboard before the walkthrough.
+    QPointer<QWidget> m_formerFocus;
     Placement m_shown;
-    bool m_isAnimated = true;
     QVariantAnimation m_move;
     QVariantAnimation m_fade;
     double m_opacity = 0;

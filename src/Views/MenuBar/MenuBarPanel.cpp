@@ -1,0 +1,166 @@
+#include "Views/MenuBar/MenuBarPanel.h"
+
+#include "Views/Design/ApplicationLook.h"
+#include "Views/Design/Typography.h"
+#include "Views/Design/VeylaTheme.h"
+#include "Views/MenuBar/MenuBarView.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QWindow>
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+// A tray that tells only where it was clicked has icons of about this size.
+constexpr int iconReach = 16;
+
+// What is kept in view above and below the row that has the keyboard.
+constexpr int rowMargin = 8;
+
+/// Tells the panel from what lies around it.
+class PanelBorder final : public QWidget {
+public:
+    explicit PanelBorder(QWidget* panel) : QWidget(panel) {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        // The outline of a rectangle would be stroked, which takes far longer.
+        QPainter painter(this);
+        const QColor color = VeylaTheme::border();
+        painter.fillRect(0, 0, width(), 1, color);
+        painter.fillRect(0, height() - 1, width(), 1, color);
+        painter.fillRect(0, 1, 1, height() - 2, color);
+        painter.fillRect(width() - 1, 1, 1, height() - 2, color);
+    }
+};
+
+QRect around(const QPoint& point) {
+    return QRect(point, QSize(1, 1)).adjusted(-iconReach, -iconReach, iconReach, iconReach);
+}
+
+}  // namespace
+
+MenuBarPanel::MenuBarPanel(AppState& state, Scheduler& scheduler, PointerPresses& presses,
+                           std::function<void()> openSettings)
+    // Above the masks: they lie above every window that the window manager knows.
+    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::X11BypassWindowManagerHint),
+      m_presses(presses),
+      m_border(new PanelBorder(this)),
+      m_view(new MenuBarView(state, scheduler,
+                             {std::move(openSettings), [this] { hide(); },
+                              [this] {
+                                  if (isVisible()) fit();
+                              }})) {
+    setWindowTitle(QStringLiteral("Veyla Panel"));
+    setAttribute(Qt::WA_X11NetWmWindowTypePopupMenu);
+    m_view->setParent(this);
+    m_border->raise();
+    connect(qApp, &QGuiApplication::focusWindowChanged, this,
+            [this](const QWindow* focused) { followFocus(focused); });
+}
+
+// Taking it apart moves the keyboard.
+MenuBarPanel::~MenuBarPanel() {
+    disconnect(qApp, nullptr, this, nullptr);
+    if (m_area) disconnect(qApp, nullptr, m_area, nullptr);
+}
+
+void MenuBarPanel::makeScrollArea() {
+    m_area = new QScrollArea(this);
+    m_area->setFrameShape(QFrame::NoFrame);
+    m_area->setWidgetResizable(true);
+    m_area->setFocusPolicy(Qt::NoFocus);
+    m_area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    styleScrollBar(*m_area);
+    m_area->setWidget(m_view);
+    m_area->show();
+    m_border->raise();
+    // The area follows the Tab key by itself, but no other way to move.
+    connect(qApp, &QApplication::focusChanged, m_area, [this](QWidget*, QWidget* focused) {
+        if (focused && focused != m_view && m_view->isAncestorOf(focused))
+            m_area->ensureWidgetVisible(focused, 0, rowMargin);
+    });
+}
+
+void MenuBarPanel::toggle(const QRect& anchor) {
+    isVisible() ? hide() : open(anchor);
+}
+
+void MenuBarPanel::open(const QRect& anchor) {
+    m_anchor = anchor.isNull() ? QRect(QCursor::pos(), QSize(1, 1)) : anchor;
+    m_view->refresh();
+    if (m_area) m_area->verticalScrollBar()->setValue(0);
+    fit();
+    show();
+    raise();
+    m_hasFocus = QGuiApplication::focusWindow() == windowHandle();
+    activateWindow();
+    // When it was closed only a moment ago, the toolkit has not yet noticed that the keyboard was
+    // gone, and would not notice that it comes back.
+    if (m_hasFocus) QApplication::setActiveWindow(this);
+    // The keyboard starts here, without a ring around any row.
+    m_view->setFocus();
+    m_outsidePresses = m_presses.onPress([this](auto button) { pressed(button); });
+}
+
+void MenuBarPanel::fit() {
+    const QScreen* screen = QGuiApplication::screenAt(m_anchor.center());
+    if (!screen) screen = QGuiApplication::primaryScreen();
+    if (!screen) return;
+    const QRect available = screen->availableGeometry();
+    const int width = qRound(MenuBarView::panelWidth * textScale());
+    const QSize size = QSize(width, m_view->neededHeight()).boundedTo(available.size());
+    resize(size);
+    if (!m_area && m_view->neededHeight() > size.height()) makeScrollArea();
+    (m_area ? static_cast<QWidget*>(m_area) : m_view)->resize(size);
+    m_border->resize(size);
+    move(placeBeside(m_anchor, size, available).topLeft());
+    // A mask that was brought to the front lies above everything else.
+    raise();
+}
+
+QRect MenuBarPanel::placeBeside(const QRect& anchor, const QSize& size, const QRect& available) {
+    QRect place(QPoint(anchor.center().x() - size.width() / 2, anchor.bottom() + 1), size);
+    if (place.bottom() > available.bottom()) place.moveBottom(anchor.top() - 1);
+    // The corner of a screen that is smaller than the panel is where it begins.
+    place.moveRight(std::min(place.right(), available.right()));
+    place.moveBottom(std::min(place.bottom(), available.bottom()));
+    place.moveLeft(std::max(place.left(), available.left()));
+    place.moveTop(std::max(place.top(), available.top()));
+    return place;
+}
+
+void MenuBarPanel::pressed(PointerPresses::Button button) {
+    const QPoint pointer = QCursor::pos();
+    if (frameGeometry().contains(pointer)) return;
+    const QRect icon = m_anchor.width() > 1 ? m_anchor : around(m_anchor.topLeft());
+    const bool isToggle = button == PointerPresses::Button::primary && icon.contains(pointer);
+    if (!isToggle) hide();
+}
+
+void MenuBarPanel::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape)
+        hide();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void MenuBarPanel::hideEvent(QHideEvent* event) {
+    m_outsidePresses.reset();
+    QWidget::hideEvent(event);
+}
+
+// Deactivation would not do: a tool window counts as active with any other window of the program.
+void MenuBarPanel::followFocus(const QWindow* focused) {
+    const bool isHere = focused == windowHandle();
+    if (std::exchange(m_hasFocus, isHere) && !isHere) hide();
+}
