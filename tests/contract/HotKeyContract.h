@@ -17,6 +17,8 @@ public:
     virtual void press(const HotkeyBinding& binding) = 0;
     /// Another program takes the combination.
     virtual void occupy(const HotkeyBinding& binding) = 0;
+    /// It gives the combination back.
+    virtual void vacate(const HotkeyBinding& binding) = 0;
     /// Returns when what was pressed so far has been told.
     virtual void settle() = 0;
     virtual bool waitUntil(const std::function<bool()>& condition) = 0;
@@ -123,6 +125,26 @@ TYPED_TEST_P(HotKeyContract, NothingIsToldWhileSuspended) {
     EXPECT_EQ(told.size(), 3U);
 }
 
+TYPED_TEST_P(HotKeyContract, WhatIsLostInASuspensionIsToldAndComesBack) {
+    const auto lost = this->take(this->l, 3);
+    const auto kept = this->take(this->n, 1);
+    ASSERT_TRUE(lost && kept);
+    typename TestFixture::Ids told;
+    const Subscription handler = this->recordInto(told);
+    for (const bool isHeld : {true, false, true}) {
+        const typename TestFixture::Ids expected =
+            isHeld ? std::vector<quint32>{3, 1} : std::vector<quint32>{1};
+        Subscription suspension = this->harness.hotKeys().suspendHotKeys();
+        this->harness.settle();
+        isHeld ? this->harness.vacate(this->l) : this->harness.occupy(this->l);
+        EXPECT_TRUE(kept->isHeld().value());
+        suspension.reset();
+        EXPECT_EQ(lost->isHeld().value(), isHeld);
+        EXPECT_TRUE(kept->isHeld().value());
+        EXPECT_TRUE(this->tells({this->l, this->n}, expected, told));
+    }
+}
+
 REGISTER_TYPED_TEST_SUITE_P(HotKeyContract, EachPressIsToldToTheNewestHandler,
-                            ACombinationHasOneHolderUntilItIsGivenBack,
-                            NothingIsToldWhileSuspended);
+                            ACombinationHasOneHolderUntilItIsGivenBack, NothingIsToldWhileSuspended,
+                            WhatIsLostInASuspensionIsToldAndComesBack);

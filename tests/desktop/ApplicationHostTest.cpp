@@ -99,6 +99,10 @@ TEST_F(ApplicationHostTest, AWindowComesToTheFrontFromBehindABusyProgram) {
     ASSERT_TRUE(waitUntil([&] { return activeWindow() == other; }));
     windows.front()->makeKeyAndOrderFront();
     EXPECT_TRUE(comesToFront(*window)) << "from being hidden";
+    window->showMinimized();
+    EXPECT_TRUE(waitUntil([&] { return !windows.front()->isVisible(); }));
+    windows.front()->makeKeyAndOrderFront();
+    EXPECT_TRUE(comesToFront(*window) && windows.front()->isVisible()) << "from being minimised";
 }
 
 TEST_F(ApplicationHostTest, WindowsKeepTheOrderInWhichTheyAppeared) {

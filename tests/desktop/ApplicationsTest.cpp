@@ -1,9 +1,12 @@
+#include "Platform/Qt/BusNameWatch.h"
 #include "desktop/VeylaTest.h"
 #include "support/desktop/NeighbourProgram.h"
 
+#include <QDBusConnection>
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
+#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -91,6 +94,16 @@ class OldServerTest : public ApplicationsTest {
 protected:
     OldServerTest() : ApplicationsTest({u"-extension"_s, u"X-Resource"_s}) {}
 };
+
+TEST(BusNameWatch, HearsWhichProcessTakesAName) {
+    std::vector<pid_t> processes;
+    const BusNameWatch watch([&](pid_t process) { processes.push_back(process); });
+    QDBusConnection service =
+        QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"service"_s);
+    ASSERT_TRUE(service.registerService(u"app.veyla.Service"_s));
+    EXPECT_TRUE(waitUntil([&] { return processes == std::vector{getpid()}; }));
+    QDBusConnection::disconnectFromBus(u"service"_s);
+}
 
 TEST_F(ApplicationsTest, FrontmostFollowsTheFocusUnderTheNamesOfDesktopEntries) {
     const QString folder = desktop.home().dataFolder() + u"/applications/"_s;

@@ -1,136 +1,8 @@
-#include "desktop/VeylaTest.h"
-
-#include <QJsonArray>
-#include <QRegularExpression>
-#include <algorithm>
+#include "desktop/DashboardTest.h"
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-// Keysyms.
-constexpr std::uint32_t control = 0xffe3, alt = 0xffe9, super = 0xffeb, tab = 0xff09,
-                        enter = 0xff0d, escape = 0xff1b, right = 0xff53, down = 0xff54, f2 = 0xffbf,
-                        erase = 0xffff, space = 0x20;
-
-class DashboardTest : public VeylaTest {
-protected:
-    DashboardTest() : VeylaTest({.hasAccessibilityBus = true}) { startArguments.clear(); }
-
-    void TearDown() override {
-        VeylaTest::TearDown();
-        EXPECT_EQ(process->standardError().constData(), QByteArray());
-    }
-
-    /// Of the window that the desktop lists as the dashboard; XCB_NONE while there is none.
-    xcb_window_t dashboard() const {
-        for (const xcb_window_t id : probe.numbersOf(probe.root(), u"_NET_CLIENT_LIST"_s))
-            if (probe.textOf(id, u"_NET_WM_NAME"_s) == u"Veyla" && neighbour.isViewable(id))
-                return id;
-        return XCB_NONE;
-    }
-    /// With the decorations.
-    QRect dashboardFrame() const {
-        const auto window = probe.window(probe.topLevelOf(dashboard()));
-        return window ? window->frame : QRect();
-    }
-    testing::AssertionResult showsDashboard(bool isShown = true) {
-        const bool isDone = waitUntil([&] { return (dashboard() != XCB_NONE) == isShown; }) &&
-                            status()[u"dashboardVisible"].toBool(!isShown) == isShown;
-        return isDone ? testing::AssertionSuccess() : testing::AssertionFailure();
-    }
-    bool isInFront() const {
-        const auto active = probe.numbersOf(probe.root(), u"_NET_ACTIVE_WINDOW"_s);
-        return !active.empty() && active.front() == dashboard();
-    }
-    void openDashboard() {
-        start();
-        requireSoon("the dashboard is in front",
-                    [&] { return dashboard() != XCB_NONE && isInFront(); });
-    }
-
-    std::unique_ptr<ChildProcess> client(const QStringList& arguments) const {
-        return std::make_unique<ChildProcess>(
-            u"/usr/bin/python3"_s,
-            QStringList(QStringLiteral(VEYLA_SOURCE_DIR "/tests/desktop/accessibility_client.py")) +
-                arguments,
-            desktop.environment());
-    }
-    bool use(const QStringList& arguments) const {
-        return client(arguments)->waitForExit(defaultWait) == 0;
-    }
-    /// The elements on screen: identifier, name, role, states, rectangle.
-    QList<QStringList> elements() const {
-        const auto reader = client({u"all"_s});
-        if (reader->waitForExit(defaultWait) != 0)
-            ADD_FAILURE() << reader->standardError().constData();
-        QList<QStringList> all;
-        for (const QString& line : QString::fromUtf8(reader->standardOutput()).split(u'\n'))
-            if (line.count(u" | "_s) == 4) all << line.split(u" | "_s);
-        return all;
-    }
-    /// The elements with that identifier or name.
-    QList<QStringList> named(const QString& name) const {
-        auto all = elements();
-        all.removeIf([&](const auto& each) { return each[0] != name && each[1] != name; });
-        return all;
-    }
-    QRect placeOf(const QString& name) const {
-        const auto found = named(name);
-        if (found.isEmpty()) throw std::runtime_error("there is no " + name.toStdString());
-        const auto numbers = found.first()[4].split(QRegularExpression(u"[x+]"_s));
-        return {numbers[2].toInt(), numbers[3].toInt(), numbers[0].toInt(), numbers[1].toInt()};
-    }
-    testing::AssertionResult shows(const QStringList& names) const {
-        QStringList missing;
-        if (waitUntil([&] {
-                const auto all = elements();
-                missing.clear();
-                for (const QString& name : names)
-                    if (std::none_of(all.begin(), all.end(), [&](const auto& each) {
-                            return each[0] == name || each[1] == name;
-                        }))
-                        missing << name;
-                return missing.isEmpty();
-            }))
-            return testing::AssertionSuccess();
-        return testing::AssertionFailure() << "no " << missing.join(u", "_s).toStdString();
-    }
-
-    /// A member of a mask, or of a group, as `status` tells.
-    QJsonValue valueOf(const char* list, const char* member, qsizetype index = 0) {
-        return status()[QLatin1String(list)].toArray().at(index)[QLatin1String(member)];
-    }
-    testing::AssertionResult becomes(const char* list, const char* member,
-                                     const QJsonValue& value) {
-        QJsonValue seen;
-        if (waitUntil([&] { return (seen = valueOf(list, member)) == value; }))
-            return testing::AssertionSuccess();
-        return testing::AssertionFailure()
-               << member << " is " << seen.toVariant().toString().toStdString();
-    }
-
-    /// The menu that is open on the screen.
-    std::optional<XWindow> menu() const {
-        // The window manager has a small window of that kind, too.
-        for (const XWindow& window : probe.rootChildren())
-            if (window.isMapped && window.isOverrideRedirect && window.frame.width() > 100 &&
-                !probe.textOf(window.id, u"_VEYLA_MASK_ID"_s))
-                return window;
-        return std::nullopt;
-    }
-
-    void key(std::uint32_t keysym) { input.typeKeysyms({keysym}); }
-    void shortcut(char letter) {
-        input.typeKeysyms({control, alt, static_cast<std::uint32_t>(letter)});
-    }
-
-    static QString rowOf(const QUuid& mask) { return u"mask-row-"_s + uuidText(mask); }
-    QUuid addGroup() {
-        workspace.groups.append({QUuid::createUuid(), u"Calls"_s, true, true, false});
-        return workspace.groups.last().id;
-    }
-};
 
 TEST_F(DashboardTest, AReaderFindsReadsAndUsesEveryControl) {
     const QUuid mask = addMask({900, 500, 321.9, 181.9});
@@ -206,25 +78,7 @@ TEST_F(DashboardTest, AReaderFindsReadsAndUsesEveryControl) {
 
 TEST_F(DashboardTest, TheKeyboardAloneDoesEverything) {
     openDashboard();
-    const auto watcher = client({u"focus"_s});
-    ASSERT_EQ(watcher->waitForFirstLine(), "ready");
-    const auto focusChanges = [&] {
-        return QString::fromUtf8(watcher->standardOutput()).split(u'\n', Qt::SkipEmptyParts);
-    };
-    // Presses Tab until the element has the keyboard.
-    const auto tabTo = [&](const QString& name) {
-        for (int i = 0; i < 60; ++i) {
-            const qsizetype before = focusChanges().size();
-            key(tab);
-            if (!waitUntil([&] { return focusChanges().size() > before; })) break;
-            if (focusChanges().last().startsWith(name)) return testing::AssertionSuccess();
-        }
-        return testing::AssertionFailure() << focusChanges().join(u'\n').toStdString();
-    };
-    const auto pressIn = [&](const QString& name, std::uint32_t keysym) {
-        ASSERT_TRUE(tabTo(name)) << name.toStdString();
-        key(keysym);
-    };
+    watchFocus();
 
     input.typeKeysyms({control, 'n'});
     shortcut('n');

@@ -1,5 +1,5 @@
+#include "Models/VirtualKeyCodes.h"
 #include "Platform/X11/HeldKey.h"
-#include "Platform/X11/VirtualKeyCodes.h"
 #include "Services/HotkeyManager.h"
 #include "contract/HotKeyContract.h"
 #include "desktop/VeylaTest.h"
@@ -46,6 +46,9 @@ public:
         ASSERT_EQ(binding.modifiers,
                   HotkeyBinding::controlModifier + HotkeyBinding::optionModifier);
         ASSERT_TRUE(neighbour.grabKey(keycodesOf(binding).back(), 4 + 8));
+    }
+    void vacate(const HotkeyBinding& binding) override {
+        neighbour.ungrabKey(keycodesOf(binding).back(), 4 + 8);
     }
     void settle() override { m_desktop.settle(); }
     bool waitUntil(const std::function<bool()>& condition) override {

@@ -60,7 +60,7 @@ def elements_on_screen(element):
 def print_on_screen(element):
     try:
         print(describe(element))
-    except (GLib.Error, LookupError):
+    except (GLib.Error, LookupError, NotImplementedError):
         pass
 
 

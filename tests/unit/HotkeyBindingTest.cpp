@@ -33,13 +33,16 @@ TEST(HotkeyBinding, DisplaysModifiersInFixedOrder) {
     const struct {
         HotkeyBinding binding;
         QString text;
-    } cases[]{{{45, 6400}, u"⌃⌥⌘N"_s},
-              {{45, 6912}, u"⌃⌥⇧⌘N"_s},
-              {{49, 256}, u"⌘Space"_s},
-              {{200, 0}, u"Key200"_s},
-              {{126, 512 | 1 | 1024}, u"⇧↑"_s}};
-    for (const auto& [binding, text] : cases) {
+        QString words;
+    } cases[]{{{45, 6400}, u"⌃⌥⌘N"_s, u"Ctrl+Alt+Super+N"_s},
+              {{45, 6912}, u"⌃⌥⇧⌘N"_s, u"Ctrl+Alt+Shift+Super+N"_s},
+              {{49, 256}, u"⌘Space"_s, u"Super+Space"_s},
+              {{200, 0}, u"Key200"_s, u"Key200"_s},
+              {{117, 4096}, u"⌃Key117"_s, u"Ctrl+Delete"_s},
+              {{126, 512 | 1 | 1024}, u"⇧↑"_s, u"Shift+Up"_s}};
+    for (const auto& [binding, text, words] : cases) {
         EXPECT_EQ(binding.displayString().toStdString(), text.toStdString());
+        EXPECT_EQ(binding.keyboardText().toStdString(), words.toStdString());
     }
 }
 

@@ -17,6 +17,9 @@ public:
     void occupy(const HotkeyBinding& binding) override {
         m_center.occupy({binding.keyCode, binding.modifiers});
     }
+    void vacate(const HotkeyBinding& binding) override {
+        m_center.vacate({binding.keyCode, binding.modifiers});
+    }
     void settle() override {}
     bool waitUntil(const std::function<bool()>& condition) override { return condition(); }
 

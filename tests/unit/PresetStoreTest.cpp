@@ -1,4 +1,5 @@
 #include "Services/PresetStore.h"
+#include "support/FileSizeLimit.h"
 #include "support/RecordingSystemLog.h"
 #include "support/SampleWorkspace.h"
 
@@ -11,9 +12,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <memory>
-#include <signal.h>
 #include <sys/mount.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -208,26 +207,6 @@ public:
 private:
     static constexpr uid_t nobody = 65534;
     bool m_isRoot = ::geteuid() == 0;
-};
-
-/// No file may grow beyond this while it lives.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) : m_handler(::signal(SIGXFSZ, SIG_IGN)) {
-        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &m_old), 0);
-        const rlimit limit{bytes, m_old.rlim_max};
-        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
-    }
-    ~FileSizeLimit() {
-        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &m_old), 0);
-        ::signal(SIGXFSZ, m_handler);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-private:
-    rlimit m_old{};
-    void (*m_handler)(int);
 };
 
 /// Saving fails for a reason that the log names, leaves everything as it was, and works again when

@@ -5,9 +5,11 @@
 #include "Views/DashboardView.h"
 #include "support/AppStateFixture.h"
 
+#include <QAbstractButton>
 #include <QAccessible>
 #include <QApplication>
 #include <QMenu>
+#include <QScrollArea>
 #include <QTest>
 #include <algorithm>
 #include <ostream>
@@ -21,16 +23,21 @@ inline void PrintTo(const QRect& rect, std::ostream* stream) {
     *stream << rect.width() << "x" << rect.height() << "+" << rect.x() << "+" << rect.y();
 }
 
-/// The dashboard on an in-memory desktop, used with pointer and keyboard. Only what is on screen
-/// is found.
+/// The dashboard, or another window, on an in-memory desktop, used with pointer and keyboard. Only
+/// what is on screen is found.
 class DashboardFixture : public AppStateFixture {
 protected:
     void open(QSize size = {1180, 740}) {
-        m_view = std::make_unique<DashboardView>(state(), desktop().mainLoop);
-        m_view->resize(size);
+        auto view = std::make_unique<DashboardView>(state(), desktop().mainLoop);
+        view->resize(size);
+        show(std::move(view));
+    }
+    /// Uses another window from here on.
+    void show(std::unique_ptr<QWidget> window) {
+        m_view = std::move(window);
         m_view->show();
         if (!QTest::qWaitForWindowActive(m_view.get()))
-            throw std::runtime_error("the dashboard does not become active");
+            throw std::runtime_error("the window does not become active");
         settle();
     }
 
@@ -78,8 +85,12 @@ protected:
         return found;
     }
 
+    /// Scrolls to it, as a person would, and clicks.
     void click(QWidget* view) {
         QWidget* const window = view->window();
+        for (QWidget* each = view; each; each = each->parentWidget())
+            if (auto* const area = qobject_cast<QScrollArea*>(each))
+                area->ensureWidgetVisible(view);
         QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {},
                           view->mapTo(window, view->rect().center()));
         settle();
@@ -138,5 +149,5 @@ protected:
     const ScreenMask& mask(qsizetype index = 0) { return masks().at(index); }
     const MaskGroup& group(qsizetype index = 0) { return state().groups.value().at(index); }
 
-    std::unique_ptr<DashboardView> m_view;
+    std::unique_ptr<QWidget> m_view;
 };

@@ -216,3 +216,15 @@ TEST_F(InspectorTest, TheEmptyStateCreatesAndReplays) {
     EXPECT_FALSE(state().hasCompletedOnboarding.value());
     EXPECT_EQ(masks().size(), 1) << "a mask to show things on";
 }
+
+TEST_F(InspectorTest, WhatGetsTheKeyboardIsScrolledIntoViewAndTheFooterIsLast) {
+    openWithMask();
+    const auto isSeen = [&](const QString& name) { return !view(name)->visibleRegion().isEmpty(); };
+    EXPECT_FALSE(isSeen(u"delete-mask-button"_s));
+    view(u"Reset to Defaults"_s)->setFocus();
+    press(Qt::Key_Tab);
+    EXPECT_TRUE(view(u"delete-mask-button"_s)->hasFocus() && isSeen(u"delete-mask-button"_s));
+    EXPECT_FALSE(isSeen(u"mask-name-field"_s));
+    nameField().setFocus();
+    EXPECT_TRUE(isSeen(u"mask-name-field"_s));
+}

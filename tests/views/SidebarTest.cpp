@@ -316,8 +316,9 @@ TEST_F(SidebarTest, TabGoesFromTopToBottom) {
     view(u"Lock Group"_s)->setFocus();
     press(Qt::Key_Return);
     EXPECT_TRUE(group().isExpanded) << "Return on a button folds the group";
-    press(Qt::Key_Space);
     EXPECT_TRUE(group().isLocked);
+    press(Qt::Key_Space);
+    EXPECT_FALSE(group().isLocked);
 }
 
 TEST_F(SidebarTest, TakesAnyNameAndTwiceTheSameIdentity) {

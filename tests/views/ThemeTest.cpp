@@ -6,6 +6,9 @@
 #include "Views/TurnUpdate.h"
 #include "support/HeadlessHarness.h"
 
+#include <algorithm>
+#include <cmath>
+
 using namespace Qt::Literals::StringLiterals;
 
 TEST(VeylaTheme, HasItsColours) {
@@ -38,6 +41,38 @@ TEST(VeylaTheme, HasItsColours) {
     EXPECT_EQ(gradient.start(), QPointF(10, 20));
     EXPECT_EQ(gradient.finalStop(), QPointF(110, 20));
     EXPECT_EQ(gradient.stops(), (QGradientStops{{0, u"#4F46E5"_s}, {1, u"#7C3AED"_s}}));
+}
+
+namespace {
+
+double contrast(const QColor& a, const QColor& b) {
+    const auto luminance = [](const QColor& color) {
+        const auto linear = [](double channel) {
+            return channel <= 0.03928 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+               0.0722 * linear(color.blueF());
+    };
+    const auto [darker, lighter] = std::minmax({luminance(a), luminance(b)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+}  // namespace
+
+TEST(VeylaTheme, LetsTextStandOutForWhoAsksForIt) {
+    const QColor usual = VeylaTheme::textMuted();
+    VeylaTheme::setContrastIncreased(true);
+    for (const QColor& text :
+         {VeylaTheme::textPrimary(), VeylaTheme::textSecondary(), VeylaTheme::textMuted(),
+          VeylaTheme::accentBlue(), VeylaTheme::accentIndigo(), VeylaTheme::accentGreen(),
+          VeylaTheme::accentRed(), VeylaTheme::warning()})
+        for (const QColor& ground : {VeylaTheme::sidebarSecondary(), VeylaTheme::panelElevated(),
+                                     VeylaTheme::background()})
+            EXPECT_GE(contrast(text, ground), 7) << qPrintable(text.name() + ground.name());
+    EXPECT_GE(contrast(VeylaTheme::textOn(VeylaTheme::accentIndigo()), VeylaTheme::accentIndigo()),
+              7);
+    VeylaTheme::setContrastIncreased(false);
+    EXPECT_EQ(VeylaTheme::textMuted(), usual);
 }
 
 TEST(VeylaCard, IsARoundedPanelWithABorderOverItsContent) {

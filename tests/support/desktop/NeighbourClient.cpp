@@ -113,6 +113,11 @@ bool NeighbourClient::grabKey(std::uint8_t keycode, std::uint16_t modifiers) {
     return error == nullptr;
 }
 
+void NeighbourClient::ungrabKey(std::uint8_t keycode, std::uint16_t modifiers) {
+    xcb_ungrab_key(connection(), keycode, root(), modifiers);
+    roundTrip();
+}
+
 QList<NeighbourInput> NeighbourClient::takeInput() {
     roundTrip();
     QList<NeighbourInput> input;

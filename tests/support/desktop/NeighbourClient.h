@@ -62,6 +62,7 @@ public:
 
     /// Takes a key from everyone else; false when another client has it.
     [[nodiscard]] bool grabKey(std::uint8_t keycode, std::uint16_t modifiers);
+    void ungrabKey(std::uint8_t keycode, std::uint16_t modifiers);
 
     /// What has reached the windows since the last call, in order.
     QList<NeighbourInput> takeInput();
