@@ -76,8 +76,12 @@ protected:
     }
     QStringList maskNames() const {
         QStringList all;
-        for (const auto* const row : shown<MenuBarMaskRow>())
-            all << row->nameButton()->accessibleName();
+        for (const QWidget* const view : shown<QWidget>()) {
+            const QString identifier = accessibleIdentifier(*view);
+            const bool isName = identifier.startsWith(u"panel-mask-"_s) &&
+                                !identifier.startsWith(u"panel-mask-visibility-"_s);
+            if (isName) all << view->accessibleName();
+        }
         return all;
     }
     QWidget* part(const QString& name) const {

@@ -28,15 +28,20 @@ QIcon applicationIcon() {
     return icon;
 }
 
+void paintApplicationIcon(QPainter& painter, QPoint topLeft, int side) {
+    // Reading and drawing the picture takes longer than all other parts of a small window.
+    static RecentCache<int, QImage> pictures(8);
+    const PixelCanvas canvas(painter);
+    const int pixels = canvas.pixels(side);
+    painter.drawImage(canvas.pixels(topLeft.x()), canvas.pixels(topLeft.y()),
+                      pictures.findOrMake(pixels, [=] { return drawIcon(pixels); }));
+}
+
 AppIconView::AppIconView(int side) {
     setFixedSize(side, side);
 }
 
 void AppIconView::paintEvent(QPaintEvent* /*event*/) {
-    // Reading and drawing the picture takes longer than all other parts of a small window.
-    static RecentCache<int, QImage> pictures(8);
     QPainter painter(this);
-    PixelCanvas canvas(painter);
-    const int pixels = canvas.pixels(width());
-    painter.drawImage(0, 0, pictures.findOrMake(pixels, [=] { return drawIcon(pixels); }));
+    paintApplicationIcon(painter, {0, 0}, width());
 }

@@ -2,7 +2,15 @@
 
 #include <QPainter>
 
-ColorDot::ColorDot(int diameter, const QColor& color) : m_color(color) {
+void paintDot(QPainter& painter, const QRectF& rect, const QColor& color) {
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.drawEllipse(rect);
+}
+
+ColorDot::ColorDot(int diameter, const QColor& color, QWidget* parent)
+    : QWidget(parent), m_color(color) {
     setFixedSize(diameter, diameter);
 }
 
@@ -14,8 +22,5 @@ void ColorDot::setColor(const QColor& color) {
 
 void ColorDot::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(m_color);
-    painter.drawEllipse(rect());
+    paintDot(painter, rect(), m_color);
 }

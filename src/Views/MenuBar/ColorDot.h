@@ -5,11 +5,14 @@
 #include <QColor>
 #include <QWidget>
 
-/// A filled circle. What it stands for is its accessible name; one without a name is not told.
+/// Paints a filled circle.
+void paintDot(QPainter& painter, const QRectF& rect, const QColor& color);
+
+/// A filled circle that stands for something, which is its accessible name.
 class ColorDot final : public QWidget, public AccessibleElement {
 public:
     /// The diameter is in points.
-    ColorDot(int diameter, const QColor& color);
+    ColorDot(int diameter, const QColor& color, QWidget* parent);
 
     void setColor(const QColor& color);
     const QColor& color() const { return m_color; }

@@ -5,6 +5,7 @@
 #include "Views/Design/VeylaCard.h"
 #include "Views/Design/VeylaTheme.h"
 
+#include <QFontMetrics>
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
@@ -21,9 +22,13 @@ Symbol symbol(const QString& name, const QColor& color) {
 }  // namespace
 
 MenuBarButton::MenuBarButton(const QString& icon, const QString& title, const QColor& iconColor,
-                             const QColor& titleColor, std::function<void()> action)
-    : PanelButton(title), m_icon(icon), m_iconColor(iconColor), m_titleColor(titleColor) {
-    setFont(systemFont({11, QFont::Medium}));
+                             const QColor& titleColor, std::function<void()> action,
+                             QWidget* parent)
+    : PanelButton(title, parent),
+      m_icon(icon),
+      m_iconColor(iconColor),
+      m_titleColor(titleColor),
+      m_font(systemFont({11, QFont::Medium})) {
     connect(this, &QPushButton::clicked, this, std::move(action));
 }
 
@@ -36,7 +41,8 @@ void MenuBarButton::show(const QString& icon, const QString& title) {
 
 QSize MenuBarButton::sizeHint() const {
     const double symbolSide = symbol(m_icon, m_iconColor).side();
-    const int height = std::max(fontMetrics().height(), static_cast<int>(std::ceil(symbolSide)));
+    const int height =
+        std::max(QFontMetrics(m_font).height(), static_cast<int>(std::ceil(symbolSide)));
     return {2 * PanelRow::horizontalPadding + PanelRow::symbolBox + PanelRow::gap,
             height + 2 * verticalPadding};
 }
@@ -51,6 +57,6 @@ void MenuBarButton::paintEvent(QPaintEvent* /*event*/) {
                          {PanelRow::horizontalPadding + PanelRow::symbolBox / 2.0, height() / 2.0});
     const int left = PanelRow::horizontalPadding + PanelRow::symbolBox + PanelRow::gap;
     paintLine(painter, m_line, rect().adjusted(left, 0, -PanelRow::horizontalPadding, 0), text(),
-              font(), m_titleColor);
+              m_font, m_titleColor);
     paintFocus(painter);
 }

@@ -10,7 +10,7 @@
 class MenuBarButton final : public PanelButton {
 public:
     MenuBarButton(const QString& icon, const QString& title, const QColor& iconColor,
-                  const QColor& titleColor, std::function<void()> action);
+                  const QColor& titleColor, std::function<void()> action, QWidget* parent);
 
     /// Changes what is shown; costs nothing when it is the same.
     void show(const QString& icon, const QString& title);
@@ -26,5 +26,6 @@ private:
     QString m_icon;
     QColor m_iconColor;
     QColor m_titleColor;
+    QFont m_font;
     TextLine m_line;
 };

@@ -7,9 +7,12 @@
 #include "Views/Design/Typography.h"
 #include "Views/Design/VeylaCard.h"
 #include "Views/Design/VeylaTheme.h"
+#include "Views/MenuBar/ColorDot.h"
 #include "Views/MenuBar/PanelButton.h"
 
+#include <QFontMetrics>
 #include <QPainter>
+#include <algorithm>
 #include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
@@ -24,39 +27,49 @@ Symbol visibilitySymbol(bool isVisible) {
             isVisible ? VeylaTheme::accentBlue() : VeylaTheme::textMuted()};
 }
 
-int rowHeight(const QFontMetrics& metrics) {
-    return std::max(metrics.height(), static_cast<int>(std::ceil(visibilitySymbol(true).side()))) +
-           2 * verticalPadding;
+int rowHeight(const QFont& font) {
+    const int symbolHeight = static_cast<int>(std::ceil(visibilitySymbol(true).side()));
+    return std::max(QFontMetrics(font).height(), symbolHeight) + 2 * verticalPadding;
 }
+
+void paintSelection(QPainter& painter, const QRect& row) {
+    paintPanel(painter, row, PanelRow::cornerRadius,
+               VeylaTheme::withOpacity(VeylaTheme::accentBlue(), 0.12));
+}
+
+// How far the ground of a selected row reaches into the other button: its corners there are not
+// seen.
+constexpr int selectionOverlap = 32;
 
 }  // namespace
 
 /// The paddings of the row are part of the buttons, so that they are easy to hit.
 class MenuBarMaskRow::NameButton final : public PanelButton {
 public:
-    NameButton() : PanelButton({}) { setFont(systemFont({11, QFont::Medium})); }
+    explicit NameButton(QWidget* parent)
+        : PanelButton({}, parent), m_font(systemFont({11, QFont::Medium})) {}
 
-    void show(const QString& name, const QColor& color) {
+    void show(const QString& name, const QColor& color, bool isSelected) {
         m_name = name;
         m_color = color;
+        m_isSelected = isSelected;
         update();
     }
     QSize sizeHint() const override {
-        return {PanelRow::horizontalPadding + dotDiameter + PanelRow::gap,
-                rowHeight(fontMetrics())};
+        return {PanelRow::horizontalPadding + dotDiameter + PanelRow::gap, rowHeight(m_font)};
     }
 
 protected:
     void paintEvent(QPaintEvent* /*event*/) override {
         QPainter painter(this);
+        if (m_isSelected) paintSelection(painter, rect().adjusted(0, 0, selectionOverlap, 0));
         beginPaint(painter);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(m_color);
-        painter.drawEllipse(QRectF(PanelRow::horizontalPadding, (height() - dotDiameter) / 2.0,
-                                   dotDiameter, dotDiameter));
+        paintDot(painter,
+                 QRectF(PanelRow::horizontalPadding, (height() - dotDiameter) / 2.0, dotDiameter,
+                        dotDiameter),
+                 m_color);
         const int left = PanelRow::horizontalPadding + dotDiameter + PanelRow::gap;
-        paintLine(painter, m_line, rect().adjusted(left, 0, 0, 0), m_name, font(),
+        paintLine(painter, m_line, rect().adjusted(left, 0, 0, 0), m_name, m_font,
                   VeylaTheme::textPrimary());
         paintFocus(painter);
     }
@@ -64,29 +77,32 @@ protected:
 private:
     QString m_name;
     QColor m_color;
+    bool m_isSelected = false;
+    QFont m_font;
     TextLine m_line;
 };
 
 class MenuBarMaskRow::VisibilityButton final : public PanelButton {
 public:
-    VisibilityButton() : PanelButton({}) {
-        setFont(systemFont({11, QFont::Medium}));
+    explicit VisibilityButton(QWidget* parent) : PanelButton({}, parent) {
         setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     }
 
-    void show(bool isVisible) {
+    void show(bool isVisible, bool isSelected) {
         m_isVisible = isVisible;
+        m_isSelected = isSelected;
         update();
     }
     QSize sizeHint() const override {
         const int side = static_cast<int>(std::ceil(visibilitySymbol(true).side()));
-        return {PanelRow::gap + side + PanelRow::horizontalPadding, rowHeight(fontMetrics())};
+        return {PanelRow::gap + side + PanelRow::horizontalPadding, side + 2 * verticalPadding};
     }
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     void paintEvent(QPaintEvent* /*event*/) override {
         QPainter painter(this);
+        if (m_isSelected) paintSelection(painter, rect().adjusted(-selectionOverlap, 0, 0, 0));
         beginPaint(painter);
         const Symbol symbol = visibilitySymbol(m_isVisible);
         SymbolPainter::paint(
@@ -97,18 +113,18 @@ protected:
 
 private:
     bool m_isVisible = true;
+    bool m_isSelected = false;
 };
 
-MenuBarMaskRow::MenuBarMaskRow(const Actions& actions)
-    : m_name(new NameButton), m_visibility(new VisibilityButton) {
-    m_name->setParent(this);
-    m_visibility->setParent(this);
-    connect(m_name, &QPushButton::clicked, this, [this, select = actions.onSelect] {
+MenuBarMaskRow::MenuBarMaskRow(const Actions& actions, QWidget* parent)
+    : m_name(new NameButton(parent)), m_visibility(new VisibilityButton(parent)) {
+    QObject::connect(m_name, &QPushButton::clicked, m_name, [this, select = actions.onSelect] {
         if (m_mask) select(m_mask->id);
     });
-    connect(m_visibility, &QPushButton::clicked, this, [this, set = actions.onSetVisibility] {
-        if (m_mask) set(m_mask->id, !m_mask->isVisible);
-    });
+    QObject::connect(m_visibility, &QPushButton::clicked, m_visibility,
+                     [this, set = actions.onSetVisibility] {
+                         if (m_mask) set(m_mask->id, !m_mask->isVisible);
+                     });
 }
 
 QColor MenuBarMaskRow::dotColor(const ScreenMask& mask) {
@@ -127,19 +143,8 @@ void MenuBarMaskRow::show(const ScreenMask& mask, bool isSelected) {
     const QString change = mask.isVisible ? u"Hide "_s : u"Show "_s;
     m_visibility->setAccessibleName(change + name);
     m_visibility->setToolTip(change.trimmed());
-    m_name->show(name, dotColor(mask));
-    m_visibility->show(mask.isVisible);
-    update();
-}
-
-QSize MenuBarMaskRow::sizeHint() const {
-    return {0, m_name->sizeHint().height()};
-}
-
-void MenuBarMaskRow::resizeEvent(QResizeEvent* /*event*/) {
-    const int nameWidth = width() - m_visibility->sizeHint().width();
-    m_name->setGeometry(0, 0, nameWidth, height());
-    m_visibility->setGeometry(nameWidth, 0, width() - nameWidth, height());
+    m_name->show(name, dotColor(mask), isSelected);
+    m_visibility->show(mask.isVisible, isSelected);
 }
 
 PanelButton* MenuBarMaskRow::nameButton() const {
@@ -148,11 +153,4 @@ PanelButton* MenuBarMaskRow::nameButton() const {
 
 PanelButton* MenuBarMaskRow::visibilityButton() const {
     return m_visibility;
-}
-
-void MenuBarMaskRow::paintEvent(QPaintEvent* /*event*/) {
-    if (!m_isSelected) return;
-    QPainter painter(this);
-    paintPanel(painter, rect(), PanelRow::cornerRadius,
-               VeylaTheme::withOpacity(VeylaTheme::accentBlue(), 0.12));
 }

@@ -2,37 +2,35 @@
 
 #include "Models/ScreenMask.h"
 
-#include <QWidget>
+#include <QColor>
 #include <functional>
 #include <optional>
 
 class PanelButton;
+class QWidget;
 
-/// A mask in the menu bar panel: its colour and name, which select it, and the switch of its
-/// visibility.
-class MenuBarMaskRow final : public QWidget {
+/// A mask in the menu bar panel: a button with its colour and name, which selects it, and beside it
+/// the switch of its visibility. A selected mask has a ground that reaches over both.
+class MenuBarMaskRow {
 public:
     struct Actions {
         std::function<void(const QUuid& maskID)> onSelect;
         std::function<void(const QUuid& maskID, bool isVisible)> onSetVisibility;
     };
 
-    explicit MenuBarMaskRow(const Actions& actions);
+    /// The buttons belong to `parent`, which the row must not outlive.
+    MenuBarMaskRow(const Actions& actions, QWidget* parent);
+    MenuBarMaskRow(const MenuBarMaskRow&) = delete;
+    MenuBarMaskRow& operator=(const MenuBarMaskRow&) = delete;
+    ~MenuBarMaskRow() = default;
 
     /// Shows a mask; repaints only what differs.
     void show(const ScreenMask& mask, bool isSelected);
 
-    using QWidget::show;
     /// White where the mask's colour cannot be read.
     static QColor dotColor(const ScreenMask& mask);
     PanelButton* nameButton() const;
     PanelButton* visibilityButton() const;
-
-    QSize sizeHint() const override;
-
-protected:
-    void resizeEvent(QResizeEvent* event) override;
-    void paintEvent(QPaintEvent* event) override;
 
 private:
     class NameButton;

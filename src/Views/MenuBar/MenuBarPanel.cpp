@@ -24,24 +24,8 @@ constexpr int iconReach = 16;
 // What is kept in view above and below the row that has the keyboard.
 constexpr int rowMargin = 8;
 
-/// Tells the panel from what lies around it.
-class PanelBorder final : public QWidget {
-public:
-    explicit PanelBorder(QWidget* panel) : QWidget(panel) {
-        setAttribute(Qt::WA_TransparentForMouseEvents);
-    }
-
-protected:
-    void paintEvent(QPaintEvent* /*event*/) override {
-        // The outline of a rectangle would be stroked, which takes far longer.
-        QPainter painter(this);
-        const QColor color = VeylaTheme::border();
-        painter.fillRect(0, 0, width(), 1, color);
-        painter.fillRect(0, height() - 1, width(), 1, color);
-        painter.fillRect(0, 1, 1, height() - 2, color);
-        painter.fillRect(width() - 1, 1, 1, height() - 2, color);
-    }
-};
+// Of the line that tells the panel from what lies around it.
+constexpr int borderWidth = 1;
 
 QRect around(const QPoint& point) {
     return QRect(point, QSize(1, 1)).adjusted(-iconReach, -iconReach, iconReach, iconReach);
@@ -54,7 +38,6 @@ MenuBarPanel::MenuBarPanel(AppState& state, Scheduler& scheduler, PointerPresses
     // Above the masks: they lie above every window that the window manager knows.
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::X11BypassWindowManagerHint),
       m_presses(presses),
-      m_border(new PanelBorder(this)),
       m_view(new MenuBarView(state, scheduler,
                              {std::move(openSettings), [this] { hide(); },
                               [this] {
@@ -62,8 +45,8 @@ MenuBarPanel::MenuBarPanel(AppState& state, Scheduler& scheduler, PointerPresses
                               }})) {
     setWindowTitle(QStringLiteral("Veyla Panel"));
     setAttribute(Qt::WA_X11NetWmWindowTypePopupMenu);
+    setAttribute(Qt::WA_OpaquePaintEvent);
     m_view->setParent(this);
-    m_border->raise();
     connect(qApp, &QGuiApplication::focusWindowChanged, this,
             [this](const QWindow* focused) { followFocus(focused); });
 }
@@ -83,7 +66,6 @@ void MenuBarPanel::makeScrollArea() {
     styleScrollBar(*m_area);
     m_area->setWidget(m_view);
     m_area->show();
-    m_border->raise();
     // The area follows the Tab key by itself, but no other way to move.
     connect(qApp, &QApplication::focusChanged, m_area, [this](QWidget*, QWidget* focused) {
         if (focused && focused != m_view && m_view->isAncestorOf(focused))
@@ -118,11 +100,12 @@ void MenuBarPanel::fit() {
     if (!screen) return;
     const QRect available = screen->availableGeometry();
     const int width = qRound(MenuBarView::panelWidth * textScale());
-    const QSize size = QSize(width, m_view->neededHeight()).boundedTo(available.size());
+    const int needed = m_view->neededHeight() + 2 * borderWidth;
+    const QSize size = QSize(width, needed).boundedTo(available.size());
     resize(size);
-    if (!m_area && m_view->neededHeight() > size.height()) makeScrollArea();
-    (m_area ? static_cast<QWidget*>(m_area) : m_view)->resize(size);
-    m_border->resize(size);
+    if (!m_area && needed > size.height()) makeScrollArea();
+    QWidget* const content = m_area ? static_cast<QWidget*>(m_area) : m_view;
+    content->setGeometry(rect().adjusted(borderWidth, borderWidth, -borderWidth, -borderWidth));
     move(placeBeside(m_anchor, size, available).topLeft());
     // A mask that was brought to the front lies above everything else.
     raise();
@@ -145,6 +128,13 @@ void MenuBarPanel::pressed(PointerPresses::Button button) {
     const QRect icon = m_anchor.width() > 1 ? m_anchor : around(m_anchor.topLeft());
     const bool isToggle = button == PointerPresses::Button::primary && icon.contains(pointer);
     if (!isToggle) hide();
+}
+
+// The content covers all but the border.
+void MenuBarPanel::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.fillRect(rect(), VeylaTheme::panel());
+    painter.fillRect(rect(), VeylaTheme::border());
 }
 
 void MenuBarPanel::keyPressEvent(QKeyEvent* event) {

@@ -35,6 +35,7 @@ public:
     static QRect placeBeside(const QRect& anchor, const QSize& size, const QRect& available);
 
 protected:
+    void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void hideEvent(QHideEvent* event) override;
 
@@ -47,7 +48,6 @@ private:
     PointerPresses& m_presses;
     /// Made when the content is first higher than the screen; null before.
     QScrollArea* m_area = nullptr;
-    QWidget* m_border;
     MenuBarView* m_view;
     QRect m_anchor;
     bool m_hasFocus = false;

@@ -16,8 +16,8 @@ constexpr int verticalPadding = 5;
 
 }  // namespace
 
-MenuBarPresetRow::MenuBarPresetRow()
-    : PanelButton({}),
+MenuBarPresetRow::MenuBarPresetRow(QWidget* parent)
+    : PanelButton({}, parent),
       m_nameFont(systemFont({11, QFont::Medium})),
       m_countFont(systemFont({9, QFont::Medium})) {}
 

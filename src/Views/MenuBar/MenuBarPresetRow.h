@@ -7,7 +7,7 @@
 /// A saved preset in the menu bar panel: its name and how many masks it has.
 class MenuBarPresetRow final : public PanelButton {
 public:
-    MenuBarPresetRow();
+    explicit MenuBarPresetRow(QWidget* parent);
 
     /// Shows a preset; costs nothing when name and count are the same.
     void show(const MaskPreset& preset);

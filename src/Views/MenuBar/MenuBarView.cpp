@@ -11,6 +11,8 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <algorithm>
+#include <iterator>
+#include <limits>
 #include <memory>
 #include <utility>
 
@@ -19,17 +21,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr int blockPadding = 6;
-
-class Rule final : public QWidget {
-public:
-    Rule() { setFocusPolicy(Qt::NoFocus); }
-    QSize sizeHint() const override { return {0, 1}; }
-
-protected:
-    void paintEvent(QPaintEvent* /*event*/) override {
-        QPainter(this).fillRect(rect(), VeylaTheme::softBorder());
-    }
-};
+constexpr int ruleHeight = 1;
 
 /// Also right for a view that is not shown only because the panel has not been yet.
 bool isLeftOut(const QWidget& view) {
@@ -41,24 +33,32 @@ void setLeftOut(QWidget& view, bool isOut) {
     if (isOut != isLeftOut(view)) view.setVisible(!isOut);
 }
 
+/// Shows the first rows and leaves out the others.
+void showRows(const std::vector<std::vector<QWidget*>>& rows, qsizetype count) {
+    for (const auto& row : rows) {
+        for (QWidget* const view : row)
+            setLeftOut(*view, count <= 0);
+        --count;
+    }
+}
+
 }  // namespace
 
 MenuBarView::MenuBarView(AppState& state, Scheduler& scheduler, const Actions& actions)
     : m_state(state),
       m_scheduler(scheduler),
       m_actions(actions),
-      m_head(new PanelHead),
+      m_head(new PanelHead(this)),
+      m_actionBlock(actionRows()),
+      m_presetBlock(presetRows()),
+      m_maskBlock(maskRows()),
+      m_selectionBlock(selectionRows()),
       m_turnUpdate(scheduler, [this] {
           if (isVisible()) update();
       }) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::ClickFocus);
     setAccessibleName(u"Veyla Panel"_s);
-    m_head->setParent(this);
-    addBlock(actionRows());
-    addBlock(presetRows());
-    addBlock(maskRows());
-    addBlock(selectionRows());
     m_turnUpdate.follow(state.activeOverlayCount, state.currentFrontmostAppName,
                         state.areMasksVisible, state.isEditingEnabled, state.presets, state.masks,
                         state.selectedMaskID, state.updaterManager().canCheckForUpdates());
@@ -71,7 +71,7 @@ void MenuBarView::refresh() {
 }
 
 int MenuBarView::neededHeight() const {
-    if (!m_neededHeight) m_neededHeight = stack([](QWidget*, const QRect&) {});
+    if (!m_neededHeight) m_neededHeight = placesIn(0).height;
     return *m_neededHeight;
 }
 
@@ -91,49 +91,59 @@ void MenuBarView::showEvent(QShowEvent* /*event*/) {
     if (!m_isArranged) arrange();
 }
 
-void MenuBarView::addBlock(const Block& block) {
-    block.rule->setParent(this);
-    for (QWidget* const row : block.rows)
-        row->setParent(this);
-    m_blocks.push_back(block);
+std::array<const MenuBarView::Block*, 4> MenuBarView::blocks() const {
+    return {&m_actionBlock, &m_presetBlock, &m_maskBlock, &m_selectionBlock};
 }
 
 // The toolkit's layouts would ask every row for its sizes many times.
-int MenuBarView::stack(const std::function<void(QWidget* view, const QRect& place)>& tell) const {
-    QRect place(0, 0, width(), 0);
-    const auto put = [&](QWidget* view, const QMargins& margin) {
-        place.setTop(place.top() + margin.top());
-        place.setHeight(view->sizeHint().height());
-        tell(view, place.adjusted(margin.left(), 0, -margin.right(), 0));
-        place.setTop(place.top() + place.height() + margin.bottom());
-    };
-    put(m_head, {});
-    for (const Block& block : m_blocks) {
-        if (isLeftOut(*block.rule)) continue;
-        put(block.rule, {});
-        int above = blockPadding;
-        for (QWidget* const row : block.rows) {
-            if (isLeftOut(*row)) continue;
-            QMargins margin(blockPadding, above, blockPadding, 0);
-            if (row == block.rows.front()) margin += block.firstMargin;
-            put(row, margin);
-            above = block.spacing;
+MenuBarView::Places MenuBarView::placesIn(int width) const {
+    Places places;
+    int top = 0;
+    const auto put = [&](const Row& row, const QMargins& margin) {
+        top += margin.top();
+        int right = width - margin.right();
+        const int height = row.front()->sizeHint().height();
+        for (auto view = row.rbegin(); view != row.rend(); ++view) {
+            const bool isFirst = *view == row.front();
+            const int left = isFirst ? margin.left() : right - (*view)->sizeHint().width();
+            places.views.push_back({*view, {left, top, right - left, height}});
+            right = left;
         }
-        place.setTop(place.top() + blockPadding);
+        top += height + margin.bottom();
+    };
+    put({m_head}, {});
+    for (const Block* const block : blocks()) {
+        if (isLeftOut(*block->rows.front().front())) continue;
+        places.rules.push_back({0, top, width, ruleHeight});
+        top += ruleHeight;
+        int above = blockPadding;
+        for (const Row& row : block->rows) {
+            if (isLeftOut(*row.front())) continue;
+            QMargins margin(blockPadding, above, blockPadding, 0);
+            if (row == block->rows.front()) margin += block->firstMargin;
+            put(row, margin);
+            above = block->spacing;
+        }
+        top += blockPadding;
     }
-    return place.top();
+    places.height = top;
+    return places;
 }
 
 void MenuBarView::arrange() {
-    stack([](QWidget* view, const QRect& place) { view->setGeometry(place); });
+    Places places = placesIn(width());
+    for (const auto& [view, place] : places.views)
+        view->setGeometry(place);
+    if (std::exchange(m_rules, std::move(places.rules)) != m_rules) QWidget::update();
     m_isArranged = true;
 }
 
 MenuBarView::Block MenuBarView::actionRows() {
     AppState& state = m_state;
-    Block block{new Rule, 0, {}};
+    Block block{0, {}};
     const auto add = [&](MenuBarButton* button, const QString& identifier) {
-        block.rows.push_back(addButton(button, identifier));
+        setAccessibleIdentifier(*button, identifier);
+        block.rows.push_back({button});
         return button;
     };
     // It appears at the pointer, which is here.
@@ -167,41 +177,37 @@ MenuBarView::Block MenuBarView::actionRows() {
 
 MenuBarView::Block MenuBarView::presetRows() {
     const TextStyle style{.size = 9, .weight = QFont::Bold, .tracking = 0.6, .isUpperCase = true};
-    m_presetParts = {new Rule, new TextLabel(u"Presets"_s, style, VeylaTheme::textMuted())};
-    Block block{m_presetParts.front(), 2, {m_presetParts.back()}, {10, 4, 10, 2}};
+    auto* const heading = new TextLabel(u"Presets"_s, style, VeylaTheme::textMuted());
+    heading->setParent(this);
+    Block block{2, {{heading}}, {10, 4, 10, 2}};
     for (qsizetype index = 0; index < shownPresets; ++index) {
-        auto* const row = new MenuBarPresetRow;
+        auto* const row = new MenuBarPresetRow(this);
         // Other masks make the panel another height, and another row would come to the pointer.
         connect(row, &QPushButton::clicked, this, closing([this, index] {
                     const auto presets = m_state.presets.value();
                     if (index < presets.size()) m_state.applyPreset(presets.at(index));
                 }));
-        block.rows.push_back(row);
+        block.rows.push_back({row});
         m_presetRows.push_back(row);
-        m_rows.push_back({row});
     }
     return block;
 }
 
 MenuBarView::Block MenuBarView::maskRows() {
-    m_maskRule = new Rule;
-    Block block{m_maskRule, 1, {}};
+    Block block{1, {}};
     const MenuBarMaskRow::Actions actions{
         [this](const QUuid& id) { m_state.selectMask(id); },
         [this](const QUuid& id, bool isVisible) { m_state.setVisibility(id, isVisible); }};
     for (qsizetype index = 0; index < shownMasks; ++index) {
-        auto* const row = new MenuBarMaskRow(actions);
-        block.rows.push_back(row);
-        m_maskRows.push_back(row);
-        m_rows.push_back({row->nameButton(), row->visibilityButton()});
+        const auto& row = m_maskRows.emplace_back(std::make_unique<MenuBarMaskRow>(actions, this));
+        block.rows.push_back({row->nameButton(), row->visibilityButton()});
     }
     return block;
 }
 
 MenuBarView::Block MenuBarView::selectionRows() {
     AppState& state = m_state;
-    m_selectionParts = {new Rule};
-    Block block{m_selectionParts.front(), 0, {}};
+    Block block{0, {}};
     const std::pair<MenuBarButton*, QString> buttons[] = {
         {menuButton(u"doc.on.doc"_s, u"Duplicate Selected"_s,
                     [&state] { state.duplicateSelectedMask(); }),
@@ -213,8 +219,8 @@ MenuBarView::Block MenuBarView::selectionRows() {
                                [&state] { state.deleteSelectedMask(); }),
          u"panel-delete-selected"_s}};
     for (const auto& [button, identifier] : buttons) {
-        block.rows.push_back(addButton(button, identifier));
-        m_selectionParts.push_back(button);
+        setAccessibleIdentifier(*button, identifier);
+        block.rows.push_back({button});
     }
     return block;
 }
@@ -222,19 +228,13 @@ MenuBarView::Block MenuBarView::selectionRows() {
 MenuBarButton* MenuBarView::menuButton(const QString& icon, const QString& title,
                                        std::function<void()> action) {
     return new MenuBarButton(icon, title, VeylaTheme::accentBlue(), VeylaTheme::textPrimary(),
-                             std::move(action));
+                             std::move(action), this);
 }
 
 MenuBarButton* MenuBarView::menuButtonDestructive(const QString& icon, const QString& title,
                                                   std::function<void()> action) {
     return new MenuBarButton(icon, title, VeylaTheme::accentRed(), VeylaTheme::accentRed(),
-                             std::move(action));
-}
-
-MenuBarButton* MenuBarView::addButton(MenuBarButton* button, const QString& identifier) {
-    setAccessibleIdentifier(*button, identifier);
-    m_rows.push_back({button});
-    return button;
+                             std::move(action), this);
 }
 
 std::function<void()> MenuBarView::closing(std::function<void()> action) {
@@ -264,8 +264,7 @@ void MenuBarView::update() {
     m_updates->setEnabled(m_state.updaterManager().canCheckForUpdates().value());
     updatePresets();
     updateMasks();
-    for (QWidget* const part : m_selectionParts)
-        setLeftOut(*part, !m_state.activeMask().has_value());
+    showRows(m_selectionBlock.rows, m_state.activeMask() ? 3 : 0);
     m_neededHeight.reset();
     m_isArranged = false;
     if (isVisible()) arrange();
@@ -275,28 +274,26 @@ void MenuBarView::update() {
 
 void MenuBarView::updatePresets() {
     const auto& presets = m_state.presets.value();
-    for (qsizetype index = 0; index < shownPresets; ++index) {
-        MenuBarPresetRow& row = *m_presetRows.at(static_cast<std::size_t>(index));
-        if (index < presets.size()) row.show(presets.at(index));
-        setLeftOut(row, index >= presets.size());
-    }
-    for (QWidget* const part : m_presetParts)
-        setLeftOut(*part, presets.isEmpty());
+    const qsizetype count = std::min(presets.size(), shownPresets);
+    for (qsizetype index = 0; index < count; ++index)
+        m_presetRows.at(static_cast<std::size_t>(index))->show(presets.at(index));
+    constexpr qsizetype heading = 1;
+    showRows(m_presetBlock.rows, count > 0 ? heading + count : 0);
 }
 
 void MenuBarView::updateMasks() {
     const auto& masks = m_state.masks.value();
     const auto& selected = m_state.selectedMaskID.value();
-    for (qsizetype index = 0; index < shownMasks; ++index) {
-        MenuBarMaskRow& row = *m_maskRows.at(static_cast<std::size_t>(index));
-        if (index < masks.size()) row.show(masks.at(index), masks.at(index).id == selected);
-        setLeftOut(row, index >= masks.size());
+    const qsizetype count = std::min(masks.size(), shownMasks);
+    for (qsizetype index = 0; index < count; ++index) {
+        const ScreenMask& mask = masks.at(index);
+        m_maskRows.at(static_cast<std::size_t>(index))->show(mask, mask.id == selected);
     }
-    setLeftOut(*m_maskRule, masks.isEmpty());
+    showRows(m_maskBlock.rows, count);
 }
 
 void MenuBarView::keyPressEvent(QKeyEvent* event) {
-    const int last = static_cast<int>(m_rows.size());
+    constexpr int last = std::numeric_limits<int>::max() / 2;
     switch (event->key()) {
         case Qt::Key_Up:
             return moveFocus(-1, 0);
@@ -317,14 +314,18 @@ void MenuBarView::keyPressEvent(QKeyEvent* event) {
 
 void MenuBarView::moveFocus(int rowStep, int columnStep) {
     std::vector<Row> rows;
-    std::copy_if(m_rows.begin(), m_rows.end(), std::back_inserter(rows), [this](const Row& row) {
-        return row.front()->isVisibleTo(this) && row.front()->isEnabled();
-    });
+    for (const Block* const block : blocks())
+        std::copy_if(block->rows.begin(), block->rows.end(), std::back_inserter(rows),
+                     [this](const Row& row) {
+                         const QWidget& first = *row.front();
+                         return first.isVisibleTo(this) && first.isEnabled() &&
+                                first.focusPolicy() != Qt::NoFocus;
+                     });
     int rowIndex = rowStep > 0 ? -1 : static_cast<int>(rows.size());
     int columnIndex = 0;
     for (std::size_t index = 0; index < rows.size(); ++index) {
         const auto focused = std::find_if(rows[index].begin(), rows[index].end(),
-                                          [](const auto* button) { return button->hasFocus(); });
+                                          [](const auto* view) { return view->hasFocus(); });
         if (focused == rows[index].end()) continue;
         rowIndex = static_cast<int>(index);
         columnIndex = static_cast<int>(focused - rows[index].begin());
@@ -338,5 +339,8 @@ void MenuBarView::moveFocus(int rowStep, int columnStep) {
 }
 
 void MenuBarView::paintEvent(QPaintEvent* /*event*/) {
-    QPainter(this).fillRect(rect(), VeylaTheme::panel());
+    QPainter painter(this);
+    painter.fillRect(rect(), VeylaTheme::panel());
+    for (const QRect& rule : m_rules)
+        painter.fillRect(rule, VeylaTheme::softBorder());
 }

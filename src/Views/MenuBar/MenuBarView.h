@@ -4,15 +4,17 @@
 #include "Views/TurnUpdate.h"
 
 #include <QWidget>
+#include <array>
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 class MenuBarButton;
 class MenuBarMaskRow;
 class MenuBarPresetRow;
-class PanelButton;
 class PanelHead;
 
 /// The content of the menu bar panel: what is on screen, and the operations that are wanted most
@@ -56,23 +58,29 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    /// The buttons of a row, from left to right.
-    using Row = std::vector<PanelButton*>;
+    /// From left to right; the first is as wide as the others leave room for.
+    using Row = std::vector<QWidget*>;
 
-    /// A part of the panel with its own rule above it, which takes no room while that is hidden.
+    /// A part of the panel with a rule above it, which takes no room while no row is shown.
     struct Block {
-        QWidget* rule;
         int spacing;
-        std::vector<QWidget*> rows;
+        std::vector<Row> rows;
         /// What the first row is smaller by.
         QMargins firstMargin{};
+    };
+
+    /// Where everything is that is shown.
+    struct Places {
+        std::vector<std::pair<QWidget*, QRect>> views;
+        std::vector<QRect> rules;
+        int height = 0;
     };
 
     Block actionRows();
     Block presetRows();
     Block maskRows();
     Block selectionRows();
-    void addBlock(const Block& block);
+    std::array<const Block*, 4> blocks() const;
 
     MenuBarButton* menuButton(const QString& icon, const QString& title,
                               std::function<void()> action);
@@ -82,8 +90,7 @@ private:
     /// An action after which the panel is in the way.
     std::function<void()> closing(std::function<void()> action);
     std::function<void()> openingDashboard(std::function<void()> thenPerform);
-    /// Tells the place of every view that is shown, top to bottom, and returns the height of all.
-    int stack(const std::function<void(QWidget* view, const QRect& place)>& tell) const;
+    Places placesIn(int width) const;
     void arrange();
     void update();
     void updatePresets();
@@ -97,16 +104,14 @@ private:
     MenuBarButton* m_visibility = nullptr;
     MenuBarButton* m_editing = nullptr;
     MenuBarButton* m_updates = nullptr;
-    std::vector<Block> m_blocks;
-    mutable std::optional<int> m_neededHeight;
-    bool m_isArranged = false;
-    // What goes with the rows of a block.
-    std::vector<QWidget*> m_presetParts;
     std::vector<MenuBarPresetRow*> m_presetRows;
-    QWidget* m_maskRule = nullptr;
-    std::vector<MenuBarMaskRow*> m_maskRows;
-    std::vector<QWidget*> m_selectionParts;
-    /// Top to bottom, hidden ones included.
-    std::vector<Row> m_rows;
+    std::vector<std::unique_ptr<MenuBarMaskRow>> m_maskRows;
+    Block m_actionBlock;
+    Block m_presetBlock;
+    Block m_maskBlock;
+    Block m_selectionBlock;
+    mutable std::optional<int> m_neededHeight;
+    std::vector<QRect> m_rules;
+    bool m_isArranged = false;
     TurnUpdate m_turnUpdate;
 };

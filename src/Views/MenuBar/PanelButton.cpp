@@ -15,7 +15,7 @@ constexpr double pressedOpacity = 0.7;
 
 }  // namespace
 
-PanelButton::PanelButton(const QString& title) : QPushButton(title) {
+PanelButton::PanelButton(const QString& title, QWidget* parent) : QPushButton(title, parent) {
     setAutoDefault(false);
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);

@@ -6,6 +6,7 @@
 #include "Views/Design/VeylaTheme.h"
 #include "Views/MenuBar/ColorDot.h"
 
+#include <QPainter>
 #include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
@@ -17,6 +18,8 @@ constexpr int topPadding = 14;
 constexpr int bottomPadding = 10;
 constexpr int iconSide = 28;
 constexpr int lineGap = 1;
+constexpr int frontmostDot = 5;
+constexpr int dotGap = 6;
 
 int heightOf(const QWidget* view) {
     return view->sizeHint().height();
@@ -28,27 +31,19 @@ void putInLine(QWidget* view, int left, int right, int top, int height) {
     view->setGeometry(left, top + (height - own) / 2, right - left, own);
 }
 
-void putInLine(QWidget* view, int left, int top, int height) {
-    view->move(left, top + (height - view->height()) / 2);
-}
-
 }  // namespace
 
-PanelHead::PanelHead()
-    : m_icon(new AppIconView(iconSide)),
+PanelHead::PanelHead(QWidget* parent)
+    : QWidget(parent),
       m_title(new TextLabel(u"Veyla"_s, {13, QFont::Bold}, VeylaTheme::textPrimary())),
       m_count(new TextLabel({}, {10, QFont::Medium}, VeylaTheme::textSecondary())),
-      m_status(new ColorDot(7, VeylaTheme::accentGreen())),
-      m_frontmostDot(new ColorDot(5, VeylaTheme::accentBlue())),
+      m_status(new ColorDot(7, VeylaTheme::accentGreen(), this)),
       m_frontmost(new TextLabel({}, {10, QFont::Medium}, VeylaTheme::textMuted())) {
     setAccessibleIdentifier(*m_count, u"panel-overlay-count"_s);
     setAccessibleIdentifier(*m_status, u"panel-status"_s);
     setAccessibleIdentifier(*m_frontmost, u"panel-frontmost-app"_s);
-    for (QWidget* const part :
-         {static_cast<QWidget*>(m_icon), static_cast<QWidget*>(m_title),
-          static_cast<QWidget*>(m_count), static_cast<QWidget*>(m_status),
-          static_cast<QWidget*>(m_frontmostDot), static_cast<QWidget*>(m_frontmost)})
-        part->setParent(this);
+    for (QWidget* const line : {m_title, m_count, m_frontmost})
+        line->setParent(this);
 }
 
 void PanelHead::show(int overlayCount, bool areMasksVisible, const QString& frontmostAppName) {
@@ -72,21 +67,27 @@ QSize PanelHead::sizeHint() const {
 
 void PanelHead::resizeEvent(QResizeEvent* /*event*/) {
     constexpr int iconGap = 10;
-    constexpr int dotGap = 6;
     const int program = programHeight();
     const int right = width() - sidePadding;
     const int textLeft = sidePadding + iconSide + iconGap;
     const int textRight = right - m_status->width() - iconGap;
     const int lines = heightOf(m_title) + lineGap + heightOf(m_count);
     const int titleTop = topPadding + (program - lines) / 2;
-    putInLine(m_icon, sidePadding, topPadding, program);
     putInLine(m_title, textLeft, textRight, titleTop, heightOf(m_title));
     putInLine(m_count, textLeft, textRight, titleTop + heightOf(m_title) + lineGap,
               heightOf(m_count));
-    putInLine(m_status, right - m_status->width(), topPadding, program);
+    m_status->move(right - m_status->width(), topPadding + (program - m_status->height()) / 2);
+    putInLine(m_frontmost, sidePadding + frontmostDot + dotGap, right,
+              topPadding + program + bottomPadding, heightOf(m_frontmost));
+}
 
-    const int frontmostTop = topPadding + program + bottomPadding;
-    putInLine(m_frontmostDot, sidePadding, frontmostTop, heightOf(m_frontmost));
-    putInLine(m_frontmost, sidePadding + m_frontmostDot->width() + dotGap, right, frontmostTop,
-              heightOf(m_frontmost));
+void PanelHead::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    paintApplicationIcon(painter, {sidePadding, topPadding + (programHeight() - iconSide) / 2},
+                         iconSide);
+    const QRect line = m_frontmost->geometry();
+    paintDot(painter,
+             QRectF(sidePadding, line.top() + (line.height() - frontmostDot) / 2, frontmostDot,
+                    frontmostDot),
+             VeylaTheme::accentBlue());
 }

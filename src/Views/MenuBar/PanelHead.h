@@ -2,7 +2,6 @@
 
 #include <QWidget>
 
-class AppIconView;
 class ColorDot;
 class TextLabel;
 
@@ -10,7 +9,7 @@ class TextLabel;
 /// its parts itself, which costs a tenth of what the toolkit's layouts do.
 class PanelHead final : public QWidget {
 public:
-    PanelHead();
+    explicit PanelHead(QWidget* parent);
 
     void show(int overlayCount, bool areMasksVisible, const QString& frontmostAppName);
     using QWidget::show;
@@ -20,15 +19,14 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     /// Of the line with the program's name, without what is around it.
     int programHeight() const;
 
-    AppIconView* m_icon;
     TextLabel* m_title;
     TextLabel* m_count;
     ColorDot* m_status;
-    ColorDot* m_frontmostDot;
     TextLabel* m_frontmost;
 };
