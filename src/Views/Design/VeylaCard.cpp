@@ -51,15 +51,14 @@ private:
     CardBorder* m_border;
 };
 
-/// What a colour looks like on an opaque one.
-QColor over(const QColor& above, const QColor& below) {
+}  // namespace
+
+QColor colorOver(const QColor& above, const QColor& below) {
     const float part = above.alphaF();
     const auto mix = [part](float upper, float lower) { return upper * part + lower * (1 - part); };
     return QColor::fromRgbF(mix(above.redF(), below.redF()), mix(above.greenF(), below.greenF()),
                             mix(above.blueF(), below.blueF()));
 }
-
-}  // namespace
 
 void paintPanel(QPainter& painter, const QRectF& rect, double radius, const QBrush& fill,
                 const QColor& border, double borderWidth) {
@@ -70,7 +69,7 @@ void paintPanel(QPainter& painter, const QRectF& rect, double radius, const QBru
     const QPainterPath inside = shape.insetBy(borderWidth).path();
     // Strokes and translucent fills of large shapes take a multiple of the time of opaque fills.
     if (fill.style() == Qt::SolidPattern && fill.isOpaque()) {
-        painter.fillPath(outline, over(border, fill.color()));
+        painter.fillPath(outline, colorOver(border, fill.color()));
         painter.fillPath(inside, fill);
         return;
     }

@@ -23,3 +23,6 @@ QWidget* veylaCard(QWidget* content, bool elevated);
 /// A colour that is not valid leaves that part out.
 void paintPanel(QPainter& painter, const QRectF& rect, double radius, const QBrush& fill,
                 const QColor& border = QColor(), double borderWidth = 1);
+
+/// What a translucent colour looks like on an opaque one.
+QColor colorOver(const QColor& above, const QColor& below);

@@ -2,6 +2,7 @@
 
 #include "Views/Design/ApplicationLook.h"
 #include "Views/Design/Typography.h"
+#include "Views/Design/VeylaCard.h"
 #include "Views/Design/VeylaTheme.h"
 #include "Views/MenuBar/MenuBarView.h"
 
@@ -133,8 +134,13 @@ void MenuBarPanel::pressed(PointerPresses::Button button) {
 // The content covers all but the border.
 void MenuBarPanel::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    painter.fillRect(rect(), VeylaTheme::panel());
-    painter.fillRect(rect(), VeylaTheme::border());
+    const QColor color = colorOver(VeylaTheme::border(), VeylaTheme::panel());
+    const int right = width() - borderWidth;
+    const int bottom = height() - borderWidth;
+    painter.fillRect(0, 0, width(), borderWidth, color);
+    painter.fillRect(0, bottom, width(), borderWidth, color);
+    painter.fillRect(0, 0, borderWidth, height(), color);
+    painter.fillRect(right, 0, borderWidth, height(), color);
 }
 
 void MenuBarPanel::keyPressEvent(QKeyEvent* event) {
