@@ -54,7 +54,8 @@ class SurfaceDelegate {
 public:
     virtual ~SurfaceDelegate() = default;
 
-    /// The frame changed, by `setFrame` or from outside; called inside `setFrame`.
+    /// The frame changed, by `setFrame` or from outside; called inside `setFrame`, or some time
+    /// after `setFinalFrame`.
     virtual void surfaceDidMove() = 0;
     virtual void surfaceDidResize() = 0;
 
@@ -78,13 +79,15 @@ class OverlaySurface {
 public:
     virtual ~OverlaySurface() = default;
 
-    /// The frame as last set. When screens change, the surface stays on its screen, and the frame
-    /// is where that is in the new global space.
+    /// The frame as the delegate knows it: as last set. When screens change, the surface stays on
+    /// its screen, and the frame is where that is in the new global space.
     virtual Rect frame() const = 0;
     /// Moves and resizes the surface and tells the delegate what changed, before it returns.
     virtual void setFrame(const Rect& frame) = 0;
-    /// The same for a frame that will not be changed again in answer to it: the surface may be seen
-    /// there before the batch ends and before the delegate is told.
+    /// The same for a frame that will not be changed again in answer to it. The surface may be seen
+    /// there before the batch ends and before the delegate is told, which may take some
+    /// milliseconds; of frames that follow each other faster only the last is told, but always
+    /// before a gesture ends. `frame` changes when the delegate is told.
     virtual void setFinalFrame(const Rect& frame) { setFrame(frame); }
     /// Shows `content` from now on.
     virtual void setContent(std::shared_ptr<const SurfaceContent> content) = 0;

@@ -83,6 +83,9 @@ void OverlayInput::endGesture() {
     if (!m_pressed) return;
     m_heldMotion.reset();
     const SurfaceBatch batch(m_surfaces);
+    m_pressed->catchUp();
+    // What is told may end the gesture, or the surface.
+    if (!m_pressed) return;
     SurfaceDelegate* const delegate = std::exchange(m_pressed, nullptr)->delegate();
     if (delegate) delegate->mouseUp();
 }

@@ -5,8 +5,15 @@
 #include "Services/ScreenPlacement.h"
 
 #include <QPainter>
-#include <thread>
+#include <chrono>
 #include <utility>
+
+namespace {
+
+// A frame of a usual display.
+constexpr std::chrono::milliseconds toldWithin{16};
+
+}  // namespace
 
 X11OverlaySurface::X11OverlaySurface(X11OverlaySurfaces& owner, SurfaceDescription description,
                                      SurfaceDelegate* delegate,
@@ -22,33 +29,42 @@ X11OverlaySurface::~X11OverlaySurface() {
 }
 
 void X11OverlaySurface::setFrame(const Rect& frame) {
+    m_pendingCatchUp.reset();
+    const bool wasAhead = std::exchange(m_frameAhead, std::nullopt).has_value();
     const Rect previous = std::exchange(m_description.frame, frame);
-    if (previous == frame) return;
+    if (previous == frame && !wasAhead) return;
     noteChange();
     tellDelegate(previous);
 }
 
-void X11OverlaySurface::setFinalFrame(const Rect& frame) {
-    const Rect previous = std::exchange(m_description.frame, frame);
-    if (previous == frame) return;
-    moveNow();
-    noteChange();
-    tellDelegate(previous);
-}
-
-void X11OverlaySurface::moveNow() {
+bool X11OverlaySurface::canMoveNow(const Rect& frame) const {
     const DesktopSpace& space = m_owner.space();
-    const QRect previous = m_window->rect();
-    const QRect rect = space.toNative(m_description.frame);
     // What has another look there must be painted first.
-    if (rect.size() != previous.size() || space.scaleFactorAt(m_description.frame) != m_scaleFactor)
-        return;
-    m_window->setRect(rect);
-    m_owner.flush();
-    // The server tends to be woken on this processor, where it would wait for what follows here.
-    std::this_thread::yield();
-    m_owner.noteBackdropChange(previous);
-    m_owner.noteBackdropChange(rect);
+    return space.toNative(frame).size() == m_window->rect().size() &&
+           space.scaleFactorAt(frame) == m_scaleFactor;
+}
+
+// The server, a compositor and this program tend to share a processor when one wakes the other. So
+// all that is done here is to send the request and to sleep again: the model hears of many steps at
+// once, and the server does not wake this program to tell it what it knows.
+void X11OverlaySurface::setFinalFrame(const Rect& frame) {
+    if (frame == wantedFrame()) return;
+    if (!canMoveNow(frame)) return setFrame(frame);
+    if (!m_frameAhead) m_pendingCatchUp = m_owner.after(toldWithin, [this] { catchUp(); });
+    m_frameAhead = frame;
+    m_owner.moveUnheard(*m_window, m_owner.space().toNative(frame));
+}
+
+void X11OverlaySurface::catchUp() {
+    m_pendingCatchUp.reset();
+    if (!m_frameAhead) return;
+    const SurfaceBatch batch(m_owner);
+    const Rect previous = std::exchange(m_description.frame, *m_frameAhead);
+    m_frameAhead.reset();
+    m_owner.noteBackdropChange(m_owner.space().toNative(previous));
+    m_owner.noteBackdropChange(m_window->rect());
+    noteChange();
+    tellDelegate(previous);
 }
 
 void X11OverlaySurface::noteChange() {
@@ -99,8 +115,8 @@ void X11OverlaySurface::orderOut() {
 
 void X11OverlaySurface::apply(const DesktopSpace& space) {
     if (!std::exchange(m_needsApplying, false)) return;
-    const double scaleFactor = space.scaleFactorAt(m_description.frame);
-    const QRect rect = space.toNative(m_description.frame);
+    const double scaleFactor = space.scaleFactorAt(wantedFrame());
+    const QRect rect = space.toNative(wantedFrame());
     const bool isRescaled = std::exchange(m_scaleFactor, scaleFactor) != scaleFactor;
     m_needsPainting |= isRescaled || rect.size() != m_window->rect().size();
 
@@ -174,6 +190,8 @@ void X11OverlaySurface::paintFrost(QPainter& painter, Size points,
 void X11OverlaySurface::followScreens(const QList<ScreenInfo>& oldScreens,
                                       const DesktopSpace& space) {
     m_needsApplying = true;
+    m_pendingCatchUp.reset();
+    if (m_frameAhead) m_description.frame = *std::exchange(m_frameAhead, std::nullopt);
     // Where the screen itself is gone, the window is still where it was in pixels.
     m_description.frame = rectFollowingItsScreen(m_description.frame, oldScreens, space.screens())
                               .value_or(space.toGlobal(m_window->rect()));
@@ -182,6 +200,8 @@ void X11OverlaySurface::followScreens(const QList<ScreenInfo>& oldScreens,
 void X11OverlaySurface::adoptForeignRect(const QRect& rect, const DesktopSpace& space) {
     m_window->noteForeignRect(rect);
     m_needsPainting = true;
+    m_pendingCatchUp.reset();
+    m_frameAhead.reset();
     const Rect previous = std::exchange(m_description.frame, space.toGlobal(rect));
     noteChange();
     if (previous != m_description.frame) tellDelegate(previous);

@@ -28,6 +28,9 @@ public:
     void orderFront() override;
     void orderOut() override;
 
+    /// Takes over where `setFinalFrame` has put the window, and tells the delegate.
+    void catchUp();
+
     const SurfaceDescription& description() const { return m_description; }
     SurfaceDelegate* delegate() const { return m_delegate; }
     NativeOverlayWindow& window() { return *m_window; }
@@ -58,7 +61,9 @@ public:
 
 private:
     void noteChange();
-    void moveNow();
+    bool canMoveNow(const Rect& frame) const;
+    /// Where the window is to be.
+    const Rect& wantedFrame() const { return m_frameAhead ? *m_frameAhead : m_description.frame; }
     void paint(const QRect& rect);
     QImage paintPart(const QRect& part, Size points, const std::optional<QImage>& backdrop) const;
     void paintFrost(QPainter& painter, Size points, const std::optional<QImage>& backdrop) const;
@@ -66,6 +71,9 @@ private:
 
     X11OverlaySurfaces& m_owner;
     SurfaceDescription m_description;
+    /// Where the window is already, while the delegate has not been told.
+    std::optional<Rect> m_frameAhead;
+    Subscription m_pendingCatchUp;
     SurfaceDelegate* m_delegate;
     std::unique_ptr<NativeOverlayWindow> m_window;
     std::shared_ptr<const SurfaceContent> m_content;

@@ -22,6 +22,8 @@ X11OverlaySurfaces::X11OverlaySurfaces(const Services& services)
         const X11OverlaySurface* const surface = surfaceOf(window);
         return surface ? surface->window().picture() : xcb_pixmap_t{XCB_NONE};
     };
+    m_subscriptions.keep(m_connection.onPointerEvent(
+        [this](const xcb_generic_event_t& event) { m_input.handleEvent(event); }));
     m_subscriptions.keep(
         m_connection.onEvent([this](const xcb_generic_event_t& event) { handleEvent(event); }));
     m_subscriptions.keep(m_connection.onBurstEnd([this] { m_input.flushMotion(); }));
@@ -84,6 +86,11 @@ void X11OverlaySurfaces::describe(X11OverlaySurface& surface,
 
 void X11OverlaySurfaces::endGestureOf(X11OverlaySurface& surface) {
     m_input.endGestureOf(surface);
+}
+
+void X11OverlaySurfaces::moveUnheard(NativeOverlayWindow& window, const QRect& rect) {
+    m_connection.makeUnheard([&] { window.setRect(rect); });
+    m_connection.flush();
 }
 
 QImage::Format X11OverlaySurfaces::imageFormat() const {
@@ -169,7 +176,6 @@ void X11OverlaySurfaces::updateCloseDownMode() {
 }
 
 void X11OverlaySurfaces::handleEvent(const xcb_generic_event_t& event) {
-    m_input.handleEvent(event);
     const uint8_t type = event.response_type & 0x7f;
     if (type == XCB_CONFIGURE_NOTIFY) {
         handleForeignConfigure(event);

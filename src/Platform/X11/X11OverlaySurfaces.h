@@ -70,7 +70,11 @@ private:
     void endGestureOf(X11OverlaySurface& surface);
     std::uint64_t nextRaiseNumber() { return ++m_lastRaise; }
     const DesktopSpace& space() const { return m_services.screens.space(); }
-    void flush() { m_connection.flush(); }
+    /// Moves a window at once. All others are told of it.
+    void moveUnheard(NativeOverlayWindow& window, const QRect& rect);
+    Subscription after(std::chrono::milliseconds delay, std::function<void()> task) {
+        return m_services.scheduler.after(delay, std::move(task));
+    }
     xcb_cursor_t cursor(CursorShape shape) { return m_cursors.cursor(shape); }
     QImage::Format imageFormat() const;
     const OverlayVisual& visual() const { return isCompositing() ? m_alphaVisual : m_plainVisual; }

@@ -23,6 +23,18 @@ QString connectionErrorText(int error, const QString& display) {
     return QStringLiteral("cannot open X display \"%1\"").arg(display);
 }
 
+bool isOfPointer(const xcb_generic_event_t& event) {
+    const int type = event.response_type & 0x7f;
+    // They are numbered one after the other.
+    return type >= XCB_BUTTON_PRESS && type <= XCB_LEAVE_NOTIFY;
+}
+
+auto forAnEvent(XcbConnection::EventHandler handler) {
+    return [handler = std::move(handler)](const xcb_generic_event_t* event) {
+        if (event) handler(*event);
+    };
+}
+
 }  // namespace
 
 std::unique_ptr<XcbConnection> XcbConnection::open(QString* error) {
@@ -107,10 +119,21 @@ void XcbConnection::selectRootEvents(uint32_t eventMask) {
     xcb_change_window_attributes(m_connection, root(), XCB_CW_EVENT_MASK, &m_rootEventMask);
 }
 
+void XcbConnection::makeUnheard(const std::function<void()>& requests) {
+    const uint32_t deaf = m_rootEventMask & ~uint32_t{XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY};
+    xcb_grab_server(m_connection);
+    xcb_change_window_attributes(m_connection, root(), XCB_CW_EVENT_MASK, &deaf);
+    requests();
+    xcb_change_window_attributes(m_connection, root(), XCB_CW_EVENT_MASK, &m_rootEventMask);
+    xcb_ungrab_server(m_connection);
+}
+
 Subscription XcbConnection::onEvent(EventHandler handler) {
-    return m_event.subscribe([handler = std::move(handler)](const xcb_generic_event_t* event) {
-        if (event) handler(*event);
-    });
+    return m_event.subscribe(forAnEvent(std::move(handler)));
+}
+
+Subscription XcbConnection::onPointerEvent(EventHandler handler) {
+    return m_pointerEvent.subscribe(forAnEvent(std::move(handler)));
 }
 
 Subscription XcbConnection::onBurstEnd(std::function<void()> callback) {
@@ -151,10 +174,11 @@ void XcbConnection::dispatchBurst(xcb_generic_event_t* first) {
     XcbReply<xcb_generic_event_t> event(first);
     while (event) {
         const bool isError = event->response_type == 0;
-        if (!isError) m_event.set(event.get());
+        if (!isError) (isOfPointer(*event) ? m_pointerEvent : m_event).set(event.get());
         event.reset(xcb_poll_for_queued_event(m_connection));
     }
     m_event.set(nullptr);
+    m_pointerEvent.set(nullptr);
     m_burstEnd.notify();
     m_isDispatching = false;
 }

@@ -71,8 +71,15 @@ public:
     /// Adds to the events that this connection asks of the root window.
     void selectRootEvents(uint32_t eventMask);
 
-    /// Calls back with every event, in order. Errors are not events.
+    /// Makes requests of which this program does not hear through the root window. What others do
+    /// is not missed: the server serves nobody else until it has carried them out.
+    void makeUnheard(const std::function<void()>& requests);
+
+    /// Calls back with every event but those of the pointer, in order. Errors are not events.
     Subscription onEvent(EventHandler handler);
+    /// Calls back with every event of the pointer: its buttons, its motion, and its coming and
+    /// going. They are many and wanted by few.
+    Subscription onPointerEvent(EventHandler handler);
     /// Calls back after each burst of events that came together.
     Subscription onBurstEnd(std::function<void()> callback);
     /// Calls back once when the server has closed the connection.
@@ -113,6 +120,7 @@ private:
     bool m_isDispatching = false;
     std::unique_ptr<QSocketNotifier> m_socketNotifier;
     Published<const xcb_generic_event_t*> m_event{nullptr};
+    Published<const xcb_generic_event_t*> m_pointerEvent{nullptr};
     Notifier m_burstEnd;
     Notifier m_connectionLost;
 };
