@@ -58,6 +58,26 @@ protected:
 
 }  // namespace
 
+TEST_F(Stacking, IsKeptInTheMiddleOfADrag) {
+    const QUuid mask = startWithMask();
+    const xcb_window_t window =
+        neighbour.open({.frame = {50, 150, 400, 300}, .isOverrideRedirect = true});
+    ASSERT_TRUE(staysAbove(mask, window));
+    const QPoint from = middleOf(mask);
+    input.movePointer(from);
+    input.press();
+    for (int step = 1; step <= 5; ++step) {
+        input.movePointer(from + QPoint(20, 10) * step);
+        neighbour.raise(window);
+        EXPECT_TRUE(comesTo(mask, {100 + 20 * step, 200 + 10 * step, 200, 100}));
+        EXPECT_TRUE(staysAbove(mask, window)) << "at step " << step;
+    }
+    EXPECT_TRUE(waitUntil([&] {
+        return frameOf(mask) == Rect{200, 450, 200, 100};
+    })) << "the model waits for the button";
+    input.release();
+}
+
 TEST_F(Stacking, IsAboveEveryKindOfWindow) {
     const QUuid mask = startWithMask();
     struct Row {

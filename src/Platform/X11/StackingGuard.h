@@ -33,6 +33,9 @@ public:
 
     /// Looks at the order of windows now and mends it.
     void audit();
+    /// Whether a mask that moves may come to lie below something. The guard must then hear of it
+    /// from the server.
+    bool needsToHearOfMoves() const { return m_isSomethingAbove; }
 
 private:
     using Clock = std::chrono::steady_clock;

@@ -46,13 +46,13 @@ bool X11OverlaySurface::canMoveNow(const Rect& frame) const {
 
 // The server, a compositor and this program tend to share a processor when one wakes the other. So
 // all that is done here is to send the request and to sleep again: the model hears of many steps at
-// once, and the server does not wake this program to tell it what it knows.
+// once, and the server is not to wake this program for telling it what it knows.
 void X11OverlaySurface::setFinalFrame(const Rect& frame) {
     if (frame == wantedFrame()) return;
     if (!canMoveNow(frame)) return setFrame(frame);
     if (!m_frameAhead) m_pendingCatchUp = m_owner.after(toldWithin, [this] { catchUp(); });
     m_frameAhead = frame;
-    m_owner.moveUnheard(*m_window, m_owner.space().toNative(frame));
+    m_owner.moveNow(*m_window, m_owner.space().toNative(frame));
 }
 
 void X11OverlaySurface::catchUp() {

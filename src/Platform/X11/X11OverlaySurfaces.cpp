@@ -88,8 +88,11 @@ void X11OverlaySurfaces::endGestureOf(X11OverlaySurface& surface) {
     m_input.endGestureOf(surface);
 }
 
-void X11OverlaySurfaces::moveUnheard(NativeOverlayWindow& window, const QRect& rect) {
-    m_connection.makeUnheard([&] { window.setRect(rect); });
+void X11OverlaySurfaces::moveNow(NativeOverlayWindow& window, const QRect& rect) {
+    if (m_guard.needsToHearOfMoves())
+        window.setRect(rect);
+    else
+        m_connection.makeUnheard([&] { window.setRect(rect); });
     m_connection.flush();
 }
 

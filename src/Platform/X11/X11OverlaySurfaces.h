@@ -70,8 +70,8 @@ private:
     void endGestureOf(X11OverlaySurface& surface);
     std::uint64_t nextRaiseNumber() { return ++m_lastRaise; }
     const DesktopSpace& space() const { return m_services.screens.space(); }
-    /// Moves a window at once. All others are told of it.
-    void moveUnheard(NativeOverlayWindow& window, const QRect& rect);
+    /// Moves a window at once, if possible without being told of it by the server.
+    void moveNow(NativeOverlayWindow& window, const QRect& rect);
     Subscription after(std::chrono::milliseconds delay, std::function<void()> task) {
         return m_services.scheduler.after(delay, std::move(task));
     }
