@@ -95,10 +95,8 @@ ContentView& VeylaApp::dashboardWindow() {
     if (!m_dashboardWindow) {
         m_dashboardWindow = std::make_unique<ContentView>(m_state, m_mainLoop, m_menuCommands,
                                                           [this] { m_mainLoop.quit(0); });
-        // The menu gives the keyboard back to its window when it has closed.
         m_dashboardWindow->offerPanel(m_menuBarExtra.isInTray(), [this](const QRect& anchor) {
-            m_mainLoop.post(
-                m_lifetime.guard([this, anchor] { m_menuBarExtra.togglePanel(anchor); }));
+            m_menuBarExtra.togglePanel(anchor);
         });
     }
     return *m_dashboardWindow;

@@ -10,7 +10,6 @@
 #include "Platform/Qt/RemoteControlService.h"
 #include "Platform/Qt/SignalWatcher.h"
 #include "Platform/TrayIcon.h"
-#include "Reactive/Lifetime.h"
 #include "Views/MenuBar/MenuBarExtra.h"
 #include "Views/TurnUpdate.h"
 
@@ -65,7 +64,6 @@ private:
     std::unique_ptr<ContentView> m_dashboardWindow;
     std::unique_ptr<SettingsWindow> m_settingsWindow;
     Subscription m_remaking;
-    Lifetime m_lifetime;
     SignalWatcher m_signalWatcher;
     TurnUpdate m_lookUpdate;
 };

@@ -93,17 +93,10 @@ protected:
         return focus &&
                probe.textOf(focus->focus, u"_NET_WM_NAME"_s).value_or(QString()).startsWith(title);
     }
-    /// A window manager may still be giving the keyboard to what was used before, which closes the
-    /// panel, rightly: then it is asked for again.
     void openPanel(const std::function<void()>& ask) {
-        const auto isReady = [&] { return !panel().isNull() && hasKeyboard(u"Veyla Panel"_s); };
-        for (int attempt = 0; attempt < 3; ++attempt) {
-            ask();
-            if (waitUntil(isReady, std::chrono::seconds(3))) return;
-            requireSoon("the panel without the keyboard is closed",
-                        [&] { return panel().isNull(); });
-        }
-        throw std::runtime_error("the panel does not stay open");
+        ask();
+        requireSoon("the panel is open and has the keyboard",
+                    [&] { return !panel().isNull() && hasKeyboard(u"Veyla Panel"_s); });
     }
     void openPanel() {
         openPanel([this] { clickIcon(); });
@@ -331,8 +324,11 @@ TEST_F(TrayTest, WithoutATrayThereAreOtherWays) {
     };
     openPanel(chooseFirstOfFile);
     EXPECT_TRUE(screenRect.contains(panel()));
-    key(escape);
-    EXPECT_TRUE(isPanelOpen(false));
+    // The menu's own window may have the keyboard for a moment in between.
+    EXPECT_TRUE(waitUntil([&] {
+        key(escape);
+        return panel().isNull();
+    }));
     EXPECT_TRUE(waitUntil([&] { return hasKeyboard(u"Veyla"_s) && !hasKeyboard(u"Veyla P"_s); }));
 
     const auto tray = startTray();

@@ -34,7 +34,7 @@ protected:
         findPanel();
         if (!QTest::qWaitForWindowActive(m_panel))
             throw std::runtime_error("the panel does not become active");
-        settle();
+        advance(static_cast<int>(MenuBarPanel::keyboardDelay.count()));
     }
     void findPanel() {
         for (QWidget* const window : QApplication::topLevelWidgets())
@@ -406,6 +406,21 @@ TEST_F(MenuBarTest, ClosesWhenSomethingElseIsWanted) {
         each.happens();
         EXPECT_TRUE(QTest::qWaitFor([&] { return isOpen() == each.stays; })) << each.what;
     }
+}
+
+TEST_F(MenuBarTest, AsksForTheKeyboardOnceMore) {
+    QWidget window;
+    window.show();
+    extra().togglePanel({300, 0, 24, 24});
+    findPanel();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(m_panel));
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    EXPECT_TRUE(isOpen()) << "closed by the late answer to what was asked before";
+    advance(static_cast<int>(MenuBarPanel::keyboardDelay.count()));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(m_panel));
+    window.activateWindow();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !isOpen(); }));
 }
 
 TEST_F(MenuBarTest, TheIconComesInALaterTurnAndOffersItsMenu) {

@@ -38,6 +38,7 @@ MenuBarPanel::MenuBarPanel(AppState& state, Scheduler& scheduler, PointerPresses
                            std::function<void()> openSettings)
     // Above the masks: they lie above every window that the window manager knows.
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::X11BypassWindowManagerHint),
+      m_scheduler(scheduler),
       m_presses(presses),
       m_view(new MenuBarView(state, scheduler,
                              {std::move(openSettings), [this] { hide(); },
@@ -85,6 +86,22 @@ void MenuBarPanel::open(const QRect& anchor) {
     fit();
     show();
     raise();
+    takeKeyboard();
+    m_outsidePresses = m_presses.onPress([this](auto button) { pressed(button); });
+    // A menu that opened the panel has asked the window manager for the keyboard of its own window.
+    // The answer may come later than the panel's own request.
+    m_keyboardSettles = m_scheduler.after(keyboardDelay, [this] { settleKeyboard(); });
+}
+
+void MenuBarPanel::settleKeyboard() {
+    m_keyboardSettles.reset();
+    const QWindow* const focused = QGuiApplication::focusWindow();
+    if (focused == windowHandle()) return;
+    const bool isTakenByAnotherProgram = m_hasFocus && !focused;
+    isTakenByAnotherProgram ? hide() : takeKeyboard();
+}
+
+void MenuBarPanel::takeKeyboard() {
     m_hasFocus = QGuiApplication::focusWindow() == windowHandle();
     activateWindow();
     // When it was closed only a moment ago, the toolkit has not yet noticed that the keyboard was
@@ -92,7 +109,6 @@ void MenuBarPanel::open(const QRect& anchor) {
     if (m_hasFocus) QApplication::setActiveWindow(this);
     // The keyboard starts here, without a ring around any row.
     m_view->setFocus();
-    m_outsidePresses = m_presses.onPress([this](auto button) { pressed(button); });
 }
 
 void MenuBarPanel::fit() {
@@ -152,11 +168,15 @@ void MenuBarPanel::keyPressEvent(QKeyEvent* event) {
 
 void MenuBarPanel::hideEvent(QHideEvent* event) {
     m_outsidePresses.reset();
+    m_keyboardSettles.reset();
     QWidget::hideEvent(event);
 }
 
 // Deactivation would not do: a tool window counts as active with any other window of the program.
 void MenuBarPanel::followFocus(const QWindow* focused) {
     const bool isHere = focused == windowHandle();
-    if (std::exchange(m_hasFocus, isHere) && !isHere) hide();
+    if (m_keyboardSettles.isActive())
+        m_hasFocus |= isHere;
+    else if (std::exchange(m_hasFocus, isHere) && !isHere)
+        hide();
 }

@@ -5,6 +5,7 @@
 
 #include <QRect>
 #include <QWidget>
+#include <chrono>
 #include <functional>
 
 class MenuBarView;
@@ -16,6 +17,10 @@ class QScrollArea;
 /// lockers work.
 class MenuBarPanel final : public QWidget {
 public:
+    /// How long after opening the keyboard may still go elsewhere. If another window of the program
+    /// has it then, the panel asks for it once more.
+    static constexpr std::chrono::milliseconds keyboardDelay{150};
+
     /// `openSettings` is empty where there are no settings to open. The references must outlive
     /// the panel.
     MenuBarPanel(AppState& state, Scheduler& scheduler, PointerPresses& presses,
@@ -42,9 +47,12 @@ protected:
 private:
     void makeScrollArea();
     void fit();
+    void takeKeyboard();
+    void settleKeyboard();
     void followFocus(const QWindow* focused);
     void pressed(PointerPresses::Button button);
 
+    Scheduler& m_scheduler;
     PointerPresses& m_presses;
     /// Made when the content is first higher than the screen; null before.
     QScrollArea* m_area = nullptr;
@@ -52,4 +60,6 @@ private:
     QRect m_anchor;
     bool m_hasFocus = false;
     Subscription m_outsidePresses;
+    /// Runs while the keyboard may still go elsewhere without anybody having asked for that.
+    Subscription m_keyboardSettles;
 };
