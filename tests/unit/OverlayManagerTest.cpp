@@ -4,12 +4,14 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 ScreenMask maskAt(const Rect& frame) {
     ScreenMask mask;
     mask.id = QUuid::createUuid();
-    mask.name = QStringLiteral("M");
+    mask.name = u"M"_s;
     mask.frame = frame;
     return mask;
 }
@@ -43,8 +45,8 @@ class OverlayManagerTest : public testing::Test {
 protected:
     OverlayManagerTest() {
         harness.desktop().screens.setScreens(
-            {{QStringLiteral("A"), {0, 0, 1000, 700}, {0, 0, 1000, 700}, 1},
-             {QStringLiteral("B"), {1000, 0, 500, 600}, {1000, 0, 500, 600}, 1}});
+            {{u"A"_s, {0, 0, 1000, 700}, {0, 0, 1000, 700}, 1},
+             {u"B"_s, {1000, 0, 500, 600}, {1000, 0, 500, 600}, 1}});
     }
 
     void sync(bool areVisible = true, bool isEditable = true,
@@ -122,7 +124,7 @@ TEST_F(OverlayManagerTest, ASyncWithNothingChangedChangesNothing) {
     sync(true, true, masks[2].id);
     const int changes = harness.desktop().overlaySurfaces.changeCount();
     sync(true, true, masks[2].id);
-    masks[0].name = QStringLiteral("only told, not painted");
+    masks[0].name = u"only told, not painted"_s;
     EXPECT_EQ(harness.desktop().overlaySurfaces.changeCount(), changes);
     const auto painted = surface(0).content();
     sync(true, true, masks[2].id);
@@ -174,8 +176,7 @@ TEST_F(OverlayManagerTest, RepairsWindowsWhenScreensChange) {
     harness.setScreens({{0, 0, 1000, 700}, {1000, 0, 500, 600}});
     masks[1].frame = {1200, 300, 100, 100};
     sync();
-    harness.desktop().screens.setScreens(
-        {{QStringLiteral("B"), {0, 0, 500, 600}, {0, 0, 500, 600}, 1}});
+    harness.desktop().screens.setScreens({{u"B"_s, {0, 0, 500, 600}, {0, 0, 500, 600}, 1}});
     harness.settle();
     EXPECT_EQ(masks[1].frame, (Rect{200, 200, 100, 100}));
     EXPECT_EQ(surface(1).frame(), masks[1].frame);

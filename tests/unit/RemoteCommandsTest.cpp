@@ -169,37 +169,30 @@ TEST_F(RemoteCommandsTest, StatusTellsScriptsEverything) {
     const QJsonObject full = status();
     EXPECT_EQ(full[u"pid"].toInteger(), QCoreApplication::applicationPid());
     EXPECT_EQ(full[u"masks"][0][u"groupID"], QJsonValue(QJsonValue::Null));
-    const QJsonObject expectedMask{
-        {u"id"_s, uuidText(grouped.id)},
-        {u"name"_s, u"B"_s},
-        {u"frame"_s,
-         QJsonObject{{u"x"_s, 10.5}, {u"y"_s, 20}, {u"width"_s, 300}, {u"height"_s, 200}}},
-        {u"isVisible"_s, true},
-        {u"isClickThrough"_s, false},
-        {u"style"_s, u"frosted"_s},
-        {u"opacity"_s, 0.5},
-        {u"colorHex"_s, u"#112233"_s},
-        {u"groupID"_s, uuidText(group.id)}};
-    EXPECT_EQ(full[u"masks"][1], QJsonValue(expectedMask));
-    EXPECT_EQ(full[u"groups"][0], QJsonValue(QJsonObject{{u"id"_s, uuidText(group.id)},
-                                                         {u"name"_s, u"Grüppe"_s},
-                                                         {u"isExpanded"_s, false},
-                                                         {u"isVisible"_s, true},
-                                                         {u"isLocked"_s, true}}));
-    const MaskPreset saved = state.presets.value().first();
-    EXPECT_EQ(full[u"presets"][0],
-              QJsonValue(QJsonObject{
-                  {u"id"_s, uuidText(saved.id)}, {u"name"_s, u"Work"_s}, {u"priority"_s, 7}}));
-    EXPECT_EQ(full[u"selectedMaskID"].toString(), uuidText(grouped.id));
-    EXPECT_EQ(full[u"areMasksVisible"], QJsonValue(false));
-    EXPECT_EQ(full[u"activeOverlayCount"], QJsonValue(0));
-    EXPECT_EQ(full[u"isEditingEnabled"], QJsonValue(true));
-    EXPECT_EQ(full[u"dashboardVisible"], QJsonValue(true));
-    EXPECT_EQ(full[u"isLikelyScreenSharing"], QJsonValue(true));
-    EXPECT_EQ(full[u"hotkeys"][0], QJsonValue(QJsonObject{{u"action"_s, u"createMask"_s},
-                                                          {u"display"_s, u"⌃⌥⌘N"_s},
-                                                          {u"isRegistered"_s, false}}));
+    const QString expected =
+        uR"({"mask": {"id": "%1", "name": "B", "opacity": 0.5,
+            "frame": {"x": 10.5, "y": 20, "width": 300, "height": 200}, "isVisible": true,
+            "isClickThrough": false, "style": "frosted", "colorHex": "#112233", "groupID": "%2"},
+        "group": {"id": "%2", "name": "Grüppe", "isExpanded": false, "isVisible": true,
+            "isLocked": true},
+        "preset": {"id": "%3", "name": "Work", "priority": 7},
+        "hotkey": {"action": "createMask", "display": "⌃⌥⌘N", "isRegistered": false}})"_s;
+    const auto parts = QJsonDocument::fromJson(expected
+                                                   .arg(uuidText(grouped.id), uuidText(group.id),
+                                                        uuidText(state.presets.value().first().id))
+                                                   .toUtf8());
+    EXPECT_EQ(full[u"masks"][1], parts[u"mask"]);
+    EXPECT_EQ(full[u"groups"][0], parts[u"group"]);
+    EXPECT_EQ(full[u"presets"][0], parts[u"preset"]);
+    EXPECT_EQ(full[u"hotkeys"][0], parts[u"hotkey"]);
     EXPECT_EQ(full[u"hotkeys"][3][u"isRegistered"], QJsonValue(true));
+    EXPECT_EQ(full[u"selectedMaskID"].toString(), uuidText(grouped.id));
+    EXPECT_EQ(full[u"activeOverlayCount"], QJsonValue(0));
+    for (const auto& [flag, value] : {std::pair("areMasksVisible", false),
+                                      {"isEditingEnabled", true},
+                                      {"dashboardVisible", true},
+                                      {"isLikelyScreenSharing", true}})
+        EXPECT_EQ(full[QLatin1StringView(flag)], QJsonValue(value)) << flag;
     EXPECT_EQ(full[u"frontmost"][u"bundleIdentifier"], QJsonValue(u"org.example.App"_s));
 }
 
