@@ -76,6 +76,10 @@ protected:
         return found;
     }
 
+    bool isOn(const QString& name) const {
+        return static_cast<QAbstractButton*>(view(name))->isChecked();
+    }
+
     /// The views of a class that has no meta-object of its own.
     template <typename View>
     QList<View*> all() const {

@@ -247,7 +247,7 @@ TEST_F(HotkeyRecorderTest, TheKeyboardStartsAndKeepsToTheOrderOfTheCard) {
 TEST_F(HotkeyRecorderTest, TheBehaviorBoxesAreTheSettings) {
     const struct {
         QString title;
-        std::function<bool(const AppSettings&)> isOn;
+        std::function<bool(const AppSettings&)> holds;
     } boxes[] = {
         {u"Show help on launch"_s, [](const auto& each) { return each.showHelpOnLaunch; }},
         {u"Menu bar utility mode"_s, [](const auto& each) { return each.menuBarOnlyMode; }},
@@ -259,19 +259,18 @@ TEST_F(HotkeyRecorderTest, TheBehaviorBoxesAreTheSettings) {
     state().settings.update(
         [](AppSettings& settings) { settings.autoShowMasksOnScreenShare.reset(); });
     settle();
-    for (const auto& [title, isOn] : boxes) {
+    for (const auto& [title, holds] : boxes) {
         SCOPED_TRACE(title.toStdString());
-        auto* const box = static_cast<QAbstractButton*>(view(title));
-        const bool before = isOn(state().settings.value());
-        EXPECT_EQ(box->isChecked(), before);
-        click(box);
-        EXPECT_EQ(isOn(state().settings.value()), !before);
-        EXPECT_EQ(box->isChecked(), !before);
-        click(box);
-        EXPECT_EQ(isOn(state().settings.value()), before);
+        const bool before = holds(state().settings.value());
+        EXPECT_EQ(isOn(title), before);
+        click(title);
+        EXPECT_EQ(holds(state().settings.value()), !before);
+        EXPECT_EQ(isOn(title), !before);
+        click(title);
+        EXPECT_EQ(holds(state().settings.value()), before);
     }
     EXPECT_EQ(state().settings.value().autoShowMasksOnScreenShare, false) << "written explicitly";
     state().settings.update([](AppSettings& settings) { settings.menuBarOnlyMode = true; });
     settle();
-    EXPECT_TRUE(static_cast<QAbstractButton*>(view(u"Menu bar utility mode"_s))->isChecked());
+    EXPECT_TRUE(isOn(u"Menu bar utility mode"_s));
 }
