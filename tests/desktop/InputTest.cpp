@@ -39,15 +39,10 @@ TEST_F(PassThrough, ClicksReachWhatIsBelowExactlyWhenTheyShould) {
 TEST_F(PassThrough, MasksNeverTakeTheFocus) {
     const xcb_window_t window = neighbour.open({.frame = {0, 0, 400, 400}});
     neighbour.requestActivation(window);
-    const auto focus = [&] {
-        const XcbPtr<xcb_get_input_focus_reply_t> reply(xcb_get_input_focus_reply(
-            probe.connection(), xcb_get_input_focus(probe.connection()), nullptr));
-        return reply->focus;
-    };
-    ASSERT_TRUE(waitUntil([&] { return focus() == window; }));
+    ASSERT_TRUE(waitUntil([&] { return probe.focus() == window; }));
     const QUuid mask = addMask({100, 500, 200, 100});
     start();
     input.click(middleOf(mask));
     EXPECT_TRUE(waitUntil([&] { return !status().value("selectedMaskID"_L1).isNull(); }));
-    EXPECT_EQ(focus(), window);
+    EXPECT_EQ(probe.focus(), window);
 }

@@ -80,8 +80,7 @@ TEST_F(Stacking, IsAboveEveryKindOfWindow) {
         const xcb_window_t window = neighbour.open(options);
         if (!state.isEmpty()) {
             neighbour.requestState(window, state);
-            ASSERT_TRUE(
-                waitUntil([&] { return !probe.numbersOf(window, u"_NET_WM_STATE"_s).empty(); }));
+            ASSERT_TRUE(waitUntil([&] { return probe.hasState(window, state); }));
         }
         EXPECT_TRUE(staysAbove(mask, window));
         neighbour.requestActivation(window);
@@ -209,8 +208,8 @@ TEST_F(Stacking, SurvivesANewManagerAndCompositorsThatComeAndGo) {
                    probe.isAbove(windowOf(mask)->id, intruder) && isPainted(mask) &&
                    isPainted(passing);
         }));
-        EXPECT_TRUE(probe.inputShape(windowOf(passing)->id).isEmpty());
-        EXPECT_FALSE(probe.inputShape(windowOf(mask)->id).isEmpty());
+        EXPECT_TRUE(probe.isClickThrough(windowOf(passing)->id));
+        EXPECT_FALSE(probe.isClickThrough(windowOf(mask)->id));
         neighbour.destroy(intruder);
     }
 }

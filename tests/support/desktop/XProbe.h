@@ -11,7 +11,6 @@ struct XWindow {
     QRect frame;
     bool isMapped = false;
     bool isOverrideRedirect = false;
-    int depth = 0;
 };
 
 /// Looks at the windows of a display from outside.
@@ -37,8 +36,8 @@ public:
     /// Whether `upper`'s top-level window lies above `lower`'s in the stacking order.
     bool isAbove(xcb_window_t upper, xcb_window_t lower) const;
 
-    /// Where the window takes pointer input, relative to it; empty when clicks go through.
-    QList<QRect> inputShape(xcb_window_t window) const;
+    /// Whether no part of the window takes pointer input.
+    bool isClickThrough(xcb_window_t window) const;
 
 private:
     void collect(xcb_window_t parent, const QString& property, QList<XWindow>& found) const;
