@@ -4,7 +4,6 @@
 
 #include <QJsonArray>
 #include <QRegularExpression>
-#include <algorithm>
 
 /// The dashboard of the running program, as a person and assistive technology use it.
 class DashboardTest : public VeylaTest {
@@ -41,12 +40,8 @@ protected:
         return isDone ? testing::AssertionSuccess() : testing::AssertionFailure();
     }
     bool isInFront() const {
-        const auto active = probe.numbersOf(probe.root(), QStringLiteral("_NET_ACTIVE_WINDOW"));
         // The window manager says so a moment before keys go there.
-        const XcbPtr<xcb_get_input_focus_reply_t> focus(xcb_get_input_focus_reply(
-            probe.connection(), xcb_get_input_focus(probe.connection()), nullptr));
-        return !active.empty() && active.front() == dashboard() && focus &&
-               focus->focus == dashboard();
+        return probe.activeWindow() == dashboard() && probe.focus() == dashboard();
     }
     void openDashboard() {
         start();
@@ -54,23 +49,16 @@ protected:
                     [&] { return dashboard() != XCB_NONE && isInFront(); });
     }
 
-    std::unique_ptr<ChildProcess> client(const QStringList& arguments) const {
-        return std::make_unique<ChildProcess>(
-            QStringLiteral("/usr/bin/python3"),
-            QStringList(QStringLiteral(VEYLA_SOURCE_DIR "/tests/desktop/accessibility_client.py")) +
-                arguments,
-            desktop.environment());
-    }
     bool use(const QStringList& arguments) const {
-        return client(arguments)->waitForExit(defaultWait) == 0;
+        return assistiveClient(arguments)->waitForExit(defaultWait) == 0;
     }
     /// The elements on screen: identifier, name, role, states, rectangle.
     QList<QStringList> elements() const {
-        const auto reader = client({QStringLiteral("all")});
+        const auto reader = assistiveClient({QStringLiteral("all")});
         if (reader->waitForExit(defaultWait) != 0)
             ADD_FAILURE() << reader->standardError().constData();
         QList<QStringList> all;
-        for (const QString& line : QString::fromUtf8(reader->standardOutput()).split(u'\n'))
+        for (const QString& line : linesOf(*reader))
             if (line.count(QStringLiteral(" | ")) == 4) all << line.split(QStringLiteral(" | "));
         return all;
     }
@@ -87,20 +75,13 @@ protected:
         return {numbers[2].toInt(), numbers[3].toInt(), numbers[0].toInt(), numbers[1].toInt()};
     }
     testing::AssertionResult shows(const QStringList& names) const {
-        QStringList missing;
-        if (waitUntil([&] {
-                const auto all = elements();
-                missing.clear();
-                for (const QString& name : names)
-                    if (std::none_of(all.begin(), all.end(), [&](const auto& each) {
-                            return each[0] == name || each[1] == name;
-                        }))
-                        missing << name;
-                return missing.isEmpty();
-            }))
-            return testing::AssertionSuccess();
-        return testing::AssertionFailure()
-               << "no " << missing.join(QStringLiteral(", ")).toStdString();
+        const auto missing = [&] {
+            QStringList left = names;
+            for (const QStringList& each : elements())
+                left.removeIf([&](const auto& name) { return each[0] == name || each[1] == name; });
+            return left;
+        };
+        return comesToBe(missing, QStringList());
     }
 
     /// A member of a mask, or of a group, as `status` tells.
@@ -109,11 +90,7 @@ protected:
     }
     testing::AssertionResult becomes(const char* list, const char* member,
                                      const QJsonValue& value) {
-        QJsonValue seen;
-        if (waitUntil([&] { return (seen = valueOf(list, member)) == value; }))
-            return testing::AssertionSuccess();
-        return testing::AssertionFailure()
-               << member << " is " << seen.toVariant().toString().toStdString();
+        return comesToBe([&] { return valueOf(list, member); }, value);
     }
 
     /// The menu that is open on the screen.
@@ -132,13 +109,8 @@ protected:
     }
 
     /// From here on `focusChanges` tells what gets the keyboard.
-    void watchFocus() {
-        m_focusWatcher = client({QStringLiteral("focus")});
-        ASSERT_EQ(m_focusWatcher->waitForFirstLine(), "ready");
-    }
-    QStringList focusChanges() const {
-        return QString::fromUtf8(m_focusWatcher->standardOutput()).split(u'\n', Qt::SkipEmptyParts);
-    }
+    void watchFocus() { m_focusWatcher = assistiveWatcher(QStringLiteral("focus")); }
+    QStringList focusChanges() const { return linesOf(*m_focusWatcher); }
     /// Presses Tab until the element has the keyboard.
     testing::AssertionResult tabTo(const QString& name) {
         for (int i = 0; i < 60; ++i) {
