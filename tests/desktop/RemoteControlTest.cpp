@@ -139,12 +139,6 @@ TEST_F(RemoteControlTest, TheRunningProgramDoesWhatLaterOnesAsk) {
     EXPECT_EQ(hidden[u"masks"].toArray().size(), 1);
     EXPECT_FALSE(hidden[u"areMasksVisible"].toBool(true));
 
-    EXPECT_EQ(run({u"apply-preset"_s, u"--"_s, u"-Büro"_s}),
-              (Ended{1, {}, "No preset is named \"-Büro\".\n"}));
-    for (const bool isVisible : {true, false}) {
-        EXPECT_EQ(run({u"toggle-dashboard"_s}), (Ended{0, {}, {}}));
-        EXPECT_EQ(status()[u"dashboardVisible"].toBool(!isVisible), isVisible);
-    }
     const QByteArray already = u"Veyla is already running (pid %1).\n"_s.arg(veyla->pid()).toUtf8();
     EXPECT_EQ(run({}), (Ended{0, already, {}}));
     EXPECT_EQ(run({u"--background"_s}), (Ended{0, already, {}}));
@@ -160,16 +154,6 @@ TEST_F(RemoteControlTest, AfterQuitItCanBeStartedAgainAtOnce) {
         EXPECT_EQ(waitFor(*veyla), (Ended{0, {}, {}}));
     }
     EXPECT_EQ(run({u"quit"_s}), notRunning);
-}
-
-TEST_F(RemoteControlTest, SignalsEndItInOrder) {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        SCOPED_TRACE(signal);
-        const auto veyla = startVeyla();
-        EXPECT_EQ(status()[u"masks"].toArray().size(), 0);
-        veyla->sendSignal(signal);
-        EXPECT_EQ(waitFor(*veyla), (Ended{0, {}, {}}));
-    }
 }
 
 TEST_F(RemoteControlTest, WhatAKilledProgramLeavesIsNotTakenForARunningOne) {
