@@ -4,7 +4,6 @@
 #include "Views/Dashboard/InspectorView.h"
 
 #include <QLineEdit>
-#include <QRadioButton>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -12,12 +11,6 @@ namespace {
 
 class InspectorTest : public DashboardFixture {
 protected:
-    /// A mask of 320 by 180 points at 100, 200, selected.
-    void openWithMask() {
-        addMask(u"Mask 1"_s, {100.9, 200.9, 320.9, 180.9});
-        state().selectMask(mask().id);
-        open();
-    }
     QLineEdit& nameField() { return *static_cast<QLineEdit*>(view(u"mask-name-field"_s)); }
     AmountSlider& slider() { return *all<AmountSlider>().at(0); }
     double sliderValue() {
@@ -39,7 +32,7 @@ protected:
 }  // namespace
 
 TEST_F(InspectorTest, EveryControlWritesThroughItsOperation) {
-    openWithMask();
+    openWithMask({1180, 740}, {100.9, 200.9, 320.9, 180.9});
     EXPECT_TRUE(has(u"320 × 180 px · Blackout"_s));
     EXPECT_TRUE(has(u"X: 100,  Y: 200 px"_s));
     EXPECT_TRUE(has(u"Mask ID: "_s + uuidText(mask().id)));
@@ -91,7 +84,6 @@ TEST_F(InspectorTest, ChoosesOnceWithPointerAndArrowKeys) {
     EXPECT_EQ(mask().style, ScreenMask::Style::softTint);
     EXPECT_EQ(changes, 2);
     state().setStyle(mask().id, ScreenMask::Style::blackout);
-    settle();
     EXPECT_TRUE(isOn(u"Blackout"_s) && !isOn(u"Soft Tint"_s));
 }
 
@@ -112,7 +104,6 @@ TEST_F(InspectorTest, OnlyTheSwatchOfExactlyThatColorHasARing) {
     view(u"Duplicate"_s)->setFocus();
     for (const auto& [stored, ringed] : cases) {
         state().setColorHex(mask().id, stored);
-        settle();
         for (const QString& name : m_swatches) {
             EXPECT_EQ(ringOf(name) == QColor(Qt::white), name == ringed)
                 << name.toStdString() << " for " << stored.toStdString();
@@ -133,7 +124,6 @@ TEST_F(InspectorTest, TheSliderStaysInItsRangeAndTheTextTellsTheMask) {
                  {1.5, u"150%"_s, 1}};
     for (const auto& [stored, text, shown] : cases) {
         state().setOpacity(mask().id, stored);
-        settle();
         EXPECT_TRUE(has(text)) << stored;
         EXPECT_EQ(sliderValue(), shown);
         EXPECT_EQ(mask().opacity, stored) << "showing a value must not change it";
@@ -160,7 +150,6 @@ TEST_F(InspectorTest, TheSliderStaysInItsRangeAndTheTextTellsTheMask) {
 TEST_F(InspectorTest, ANameIsTakenWhenItIsSubmitted) {
     openWithMask();
     const QUuid other = addMask(u"Mask 2"_s, {0, 0, 320, 180});
-    settle();
     EXPECT_EQ(nameField().placeholderText(), u"Mask name");
     EXPECT_EQ(nameOf(&nameField()), u"Mask name");
     const auto typeName = [&](const QString& text) {
@@ -173,10 +162,8 @@ TEST_F(InspectorTest, ANameIsTakenWhenItIsSubmitted) {
     EXPECT_EQ(mask().name, u"Mask 1");
     EXPECT_EQ(nameField().text(), u"Typed") << "a change elsewhere does not disturb the typing";
     state().selectMask(other);
-    settle();
     EXPECT_EQ(nameField().text(), u"Mask 2");
     state().selectMask(mask().id);
-    settle();
     EXPECT_EQ(nameField().text(), u"Mask 1");
 
     typeName(u"   "_s);
@@ -189,7 +176,6 @@ TEST_F(InspectorTest, ANameIsTakenWhenItIsSubmitted) {
     typeName(u"   "_s);
     m_view->hide();
     m_view->show();
-    settle();
     EXPECT_EQ(nameField().text(), mask().name);
 }
 

@@ -56,7 +56,6 @@ TEST_F(SettingsWindowTest, EveryControlWritesItsSettingAndFollowsIt) {
         EXPECT_NE(isOn(control), before) << control.toStdString();
     }
     state().settings.set(AppSettings::defaults());
-    settle();
     EXPECT_TRUE(isOn(u"Show help on launch"_s) && isOn(u"Show dashboard on launch"_s));
     EXPECT_FALSE(isOn(u"Prefer menu bar utility mode"_s) || isOn(u"Default click-through"_s));
 }
@@ -88,7 +87,6 @@ TEST_F(SettingsWindowTest, ADragOfTheSliderIsSavedOnce) {
     EXPECT_EQ(settings().defaultOpacity, 1);
     EXPECT_TRUE(has(u"Opacity 100%"_s));
     state().settings.update([](AppSettings& changed) { changed.defaultOpacity = 0.299; });
-    settle();
     EXPECT_TRUE(has(u"Opacity 29%"_s));
 }
 
@@ -106,7 +104,6 @@ TEST_F(SettingsWindowTest, TheLoginSwitchIsWhatTheDesktopHas) {
     m_loginItem.isOn = false;
     m_view->close();
     m_view->show();
-    settle();
     EXPECT_FALSE(isOn(name));
     EXPECT_FALSE(has(*m_loginItem.failure)) << "of another time";
     EXPECT_EQ(view(name)->accessibleDescription(), QString()) << "of another time";

@@ -101,7 +101,6 @@ TEST_F(SheetsTest, ASheetKeepsTheKeyboardAndGivesItBack) {
 
     present(SheetLevel::savePreset);
     state().replayOnboarding();
-    settle();
     EXPECT_TRUE(field(u"preset-name-field"_s).hasFocus()) << "the walkthrough waits behind";
     press(Qt::Key_Escape);
     EXPECT_TRUE(view(u"onboarding-overlay"_s)->hasFocus());
@@ -285,7 +284,6 @@ TEST_F(SheetsTest, ASheetIsInsideItsWindowAtAnySize) {
     for (const QSize size :
          {QSize(1180, 740), QSize(900, 420), QSize(900, 240), QSize(1300, 900)}) {
         m_view->resize(size);
-        settle();
         EXPECT_TRUE(m_view->rect().contains(sheetRect())) << testing::PrintToString(sheetRect());
         EXPECT_LE((sheetRect().center() - m_view->rect().center()).manhattanLength(), 2);
         EXPECT_EQ(sheetRect().width(), 460);
@@ -330,7 +328,6 @@ TEST_F(SheetsTest, NothingIsCutOffInLargerText) {
          {SheetLevel::releaseNotes, SheetLevel::help, SheetLevel::savePreset}) {
         present(level);
         state().presetDraftAutoApply.set(true);
-        settle();
         for (QWidget* const each : all<QWidget>()) {
             const bool isText = dynamic_cast<TextLabel*>(each) || dynamic_cast<StyledButton*>(each);
             if (!isText || !each->isVisible() || !isInSheet(each)) continue;
