@@ -1,8 +1,7 @@
 #include "Models/Json.h"
 #include "Platform/Qt/ApplicationResolver.h"
+#include "support/Files.h"
 
-#include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -23,11 +22,7 @@ QByteArray entryText(const QByteArray& name, const QByteArray& more = {}) {
 class ApplicationIdentityTest : public testing::Test {
 protected:
     void write(const QString& path, const QByteArray& text) {
-        const QString whole = m_folder.filePath(path);
-        QDir().mkpath(QFileInfo(whole).path());
-        QFile file(whole);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(text);
+        writeFile(m_folder.filePath(path), text);
     }
 
     DesktopEntries entries() {
@@ -156,9 +151,7 @@ TEST_F(ApplicationIdentityTest, ScopesNameTheirApplication) {
 TEST_F(ApplicationIdentityTest, AScriptIsCalledByItsFile) {
     const QString path = m_folder.filePath(u"kazam"_s);
     for (const char* interpreter : {"/bin/sh", "/usr/bin/env sh"}) {
-        write(u"kazam"_s, QByteArray("#!") + interpreter + "\necho ready\nread line\n");
-        ASSERT_TRUE(
-            QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        writeProgram(path, QByteArray("#!") + interpreter + "\necho ready\nread line\n");
         QProcess script;
         script.start(path, {});
         ASSERT_TRUE(script.waitForReadyRead()) << interpreter;
@@ -228,9 +221,9 @@ TEST_F(ApplicationIdentityTest, TheBestEvidenceNamesTheApplication) {
 }
 
 TEST_F(ApplicationIdentityTest, TheTableIsWellFormed) {
-    QFile file(QStringLiteral(VEYLA_SOURCE_DIR "/resources/identities.json"));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const auto table = QJsonDocument::fromJson(file.readAll()).object();
+    const auto table = QJsonDocument::fromJson(
+                           readFile(QStringLiteral(VEYLA_SOURCE_DIR "/resources/identities.json")))
+                           .object();
     QStringList names;
     for (const QJsonValue& record : table["applications"_L1].toArray()) {
         EXPECT_FALSE(record["identifier"_L1].toString().isEmpty());

@@ -1,10 +1,9 @@
 #include "Platform/Qt/BusNameWatch.h"
 #include "desktop/VeylaTest.h"
+#include "support/Files.h"
 #include "support/desktop/NeighbourProgram.h"
 
 #include <QDBusConnection>
-#include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <unistd.h>
 
@@ -81,14 +80,9 @@ TEST(BusNameWatch, HearsWhichProcessTakesAName) {
 }
 
 TEST_F(ApplicationsTest, TheFocusTellsWhichPresetAppliesUnderTheNamesOfDesktopEntries) {
-    const QString folder = desktop.home().dataFolder() + u"/applications/"_s;
-    ASSERT_TRUE(QDir().mkpath(folder));
-    QFile entry(folder + u"org.example.Editor.desktop"_s);
-    ASSERT_TRUE(entry.open(QIODevice::WriteOnly));
-    entry.write(
-        "[Desktop Entry]\nType=Application\nName=Editor\nName[de]=Bearbeiter\n"
-        "StartupWMClass=editor-window\n");
-    entry.close();
+    writeFile(desktop.home().dataFolder() + u"/applications/org.example.Editor.desktop"_s,
+              "[Desktop Entry]\nType=Application\nName=Editor\nName[de]=Bearbeiter\n"
+              "StartupWMClass=editor-window\n");
     environment.insert(u"LANG"_s, u"de_DE.UTF-8"_s);
     addPreset(u"For Mail"_s, u"Mail"_s);
     const auto editor = launch(u"Editor-Window"_s, 2);

@@ -1,9 +1,8 @@
 #include "Platform/Qt/AutostartEntry.h"
 #include "desktop/DashboardTest.h"
 #include "support/FileSizeLimit.h"
+#include "support/Files.h"
 
-#include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
@@ -189,7 +188,7 @@ TEST_F(SettingsTest, StartsAtLoginAsLongAsTheSwitchIsOn) {
     ASSERT_TRUE(use({u"press"_s, name}));
     EXPECT_TRUE(waitUntil([&] { return !QFile::exists(path); }));
     QDir().rmdir(QFileInfo(path).path());
-    ASSERT_TRUE(QFile(QFileInfo(path).path()).open(QIODevice::WriteOnly)) << "in the way";
+    writeFile(QFileInfo(path).path(), "in the way");
     ASSERT_TRUE(use({u"press"_s, name}));
     EXPECT_TRUE(shows({u"settings-start-at-login-failure"_s}));
     EXPECT_FALSE(named(name).value(0).value(3).contains(u"checked"_s));
@@ -201,19 +200,11 @@ TEST(AutostartEntry, IsReadAndWrittenAsDesktopsDo) {
     const QString target = folder.filePath(u"of the system.desktop"_s);
     const QString program = folder.filePath(u"odd \"name\" $HOME `ls` \\n 🙂"_s);
     const QString output = folder.filePath(u"arguments"_s);
-    const auto write = [](const QString& to, const QByteArray& text) {
-        QFile file(to);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
-    };
-    const auto read = [](const QString& from) {
-        QFile file(from);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    };
     AutostartEntry entry(path, program);
     EXPECT_FALSE(entry.isEnabled());
     EXPECT_EQ(entry.setEnabled(false), std::nullopt);
     EXPECT_EQ(entry.setEnabled(true), std::nullopt);
-    const QByteArray text = read(path);
+    const QByteArray text = readFile(path);
 
     const std::pair<QByteArray, bool> texts[] = {
         {text, true},
@@ -223,13 +214,13 @@ TEST(AutostartEntry, IsReadAndWrittenAsDesktopsDo) {
         {"[Other]\nExec=veyla\n", false},
         {"", false}};
     for (const auto& [each, isEnabled] : texts) {
-        write(path, each);
+        writeFile(path, each);
         EXPECT_EQ(entry.isEnabled(), isEnabled) << each.constData();
         EXPECT_EQ(entry.setEnabled(true), std::nullopt);
-        EXPECT_EQ(read(path), text);
+        EXPECT_EQ(readFile(path), text);
     }
     ASSERT_TRUE(QFile::rename(path, target) && QFile::link(target, path));
-    write(target, "[Desktop Entry]\nHidden=true\n");
+    writeFile(target, "[Desktop Entry]\nHidden=true\n");
     {
         const FileSizeLimit none(0);
         EXPECT_NE(entry.setEnabled(true), std::nullopt);
@@ -239,11 +230,10 @@ TEST(AutostartEntry, IsReadAndWrittenAsDesktopsDo) {
     EXPECT_TRUE(QFileInfo(path).isSymLink()) << "lost by a failed write";
     EXPECT_EQ(entry.setEnabled(true), std::nullopt);
     EXPECT_TRUE(entry.isEnabled());
-    EXPECT_EQ(read(target), "[Desktop Entry]\nHidden=true\n") << "written through a link";
+    EXPECT_EQ(readFile(target), "[Desktop Entry]\nHidden=true\n") << "written through a link";
 
     // What a desktop makes of the line that starts the program.
-    write(program, "#!/bin/sh\necho \"$# $1\" > '" + output.toUtf8() + "'\n");
-    QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    writeProgram(program, "#!/bin/sh\necho \"$# $1\" > '" + output.toUtf8() + "'\n");
     ChildProcess desktop(u"/usr/bin/python3"_s,
                          {u"-c"_s,
                           u"import sys; from gi.repository import Gio;"
@@ -251,8 +241,8 @@ TEST(AutostartEntry, IsReadAndWrittenAsDesktopsDo) {
                           path},
                          QProcessEnvironment::systemEnvironment());
     EXPECT_EQ(desktop.waitForExit(defaultWait), 0) << desktop.standardError().constData();
-    EXPECT_TRUE(waitUntil([&] { return read(output) == "1 --background\n"; }))
-        << read(path).constData();
+    EXPECT_TRUE(waitUntil([&] { return readFile(output) == "1 --background\n"; }))
+        << readFile(path).constData();
     EXPECT_EQ(entry.setEnabled(false), std::nullopt);
     EXPECT_FALSE(QFile::exists(path));
 }

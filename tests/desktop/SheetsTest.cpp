@@ -1,8 +1,6 @@
 #include "desktop/DashboardTest.h"
+#include "support/Files.h"
 #include "support/desktop/HttpServer.h"
-
-#include <QDir>
-#include <QFile>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -123,22 +121,14 @@ TEST_F(SheetsTest, ALinkIsGivenToTheDesktopsOpener) {
     m_expectedLog =
         "Unable to detect a web browser to launch 'https://" VEYLA_WEB_HOST "/changelog'\n";
 
-    QFile opener(folder + u"/xdg-open"_s);
-    ASSERT_TRUE(opener.open(QIODevice::WriteOnly));
-    opener.write("#!/bin/sh\nprintf '%s\\n' \"$@\" >>'" + record.toUtf8() + "'\n");
-    opener.close();
-    ASSERT_TRUE(opener.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    writeProgram(folder + u"/xdg-open"_s,
+                 "#!/bin/sh\nprintf '%s\\n' \"$@\" >>'" + record.toUtf8() + "'\n");
     QByteArray expected;
     for (const auto* const link : {"Open Changelog", "View full changelog"}) {
         ASSERT_TRUE(shows({QString::fromLatin1(link)}));
         ASSERT_TRUE(use({u"press"_s, QString::fromLatin1(link)}));
         expected += "https://" VEYLA_WEB_HOST "/changelog\n";
-        QByteArray opened;
-        EXPECT_TRUE(waitUntil([&] {
-            QFile file(record);
-            if (file.open(QIODevice::ReadOnly)) opened = file.readAll();
-            return opened == expected;
-        })) << opened.constData();
+        EXPECT_TRUE(comesToBe([&] { return readFile(record); }, expected));
         EXPECT_TRUE(isGone(failure));
     }
 }

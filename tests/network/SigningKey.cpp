@@ -1,9 +1,9 @@
 #include "network/SigningKey.h"
 
+#include "support/Files.h"
 #include "support/desktop/ChildProcess.h"
 #include "support/desktop/Wait.h"
 
-#include <QFile>
 #include <stdexcept>
 
 using namespace Qt::Literals::StringLiterals;
@@ -27,9 +27,7 @@ SigningKey::SigningKey()
                            m_folder.path())) {}
 
 QByteArray SigningKey::signatureOf(const QByteArray& package) const {
-    QFile file(m_folder.filePath(u"veyla.deb"_s));
-    if (!file.open(QIODevice::WriteOnly) || file.write(package) != package.size() || !file.flush())
-        throw std::runtime_error("the package to sign cannot be written");
+    writeFile(m_folder.filePath(u"veyla.deb"_s), package);
     return outputOf(
         u"openssl pkeyutl -sign -rawin -inkey release-key.pem -in veyla.deb | "
         "base64 -w 0"_s,

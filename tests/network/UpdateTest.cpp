@@ -1,10 +1,9 @@
 #include "Platform/Qt/AppcastUpdateFramework.h"
 #include "network/LoaderFixture.h"
 #include "network/SigningKey.h"
+#include "support/Files.h"
 #include "support/RecordingSystemLog.h"
 
-#include <QDir>
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
@@ -77,11 +76,9 @@ const QByteArray& goodSignature() {
 
 /// Of a file that only the user can read, and nobody run.
 QByteArray contentsOfOwnFile(const QString& path) {
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    EXPECT_EQ(file.permissions() & (QFile::ReadGroup | QFile::ReadOther | QFile::ExeOwner),
+    EXPECT_EQ(QFile::permissions(path) & (QFile::ReadGroup | QFile::ReadOther | QFile::ExeOwner),
               QFile::Permissions());
-    return file.readAll();
+    return readFile(path);
 }
 
 class UpdateTest : public LoaderTest {
@@ -248,9 +245,8 @@ TEST_F(UpdateTest, ReleasesAreOfferedThatAreNewerAndOpenedThatAreWholeAndSigned)
 
 TEST_F(UpdateTest, HandsOverAGoodReleaseAndKeepsNoOther) {
     offerGoodRelease();
-    QDir().mkpath(setup.packageFolder);
-    for (const auto& name : {u"old.deb"_s, u"half.part"_s})
-        ASSERT_TRUE(QFile(QDir(setup.packageFolder).filePath(name)).open(QIODevice::WriteOnly));
+    for (const auto& name : {u"/old.deb"_s, u"/half.part"_s})
+        writeFile(setup.packageFolder + name, {});
     start();
     EXPECT_EQ(keptFiles(), QStringList{u"old.deb"_s});
     check();
@@ -409,10 +405,8 @@ TEST_F(UpdateTest, ChecksByItselfCanBeOffAndAreNotMadeWhenTheyCannotBeRemembered
 
     // Members that do not fit read as missing.
     setup.memoryPath = folder.filePath(u"damaged.json"_s);
-    QFile damaged(setup.memoryPath);
-    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly));
-    damaged.write(R"({"automaticChecks": "no", "lastCheck": 9e18, "skippedVersion": 1})");
-    damaged.close();
+    writeFile(setup.memoryPath,
+              R"({"automaticChecks": "no", "lastCheck": 9e18, "skippedVersion": 1})");
     start();
     EXPECT_TRUE(user.automaticChecks);
     const auto before = requestCount();

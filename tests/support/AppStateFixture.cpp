@@ -1,8 +1,7 @@
 #include "support/AppStateFixture.h"
 
+#include "support/Files.h"
 #include "support/HeadlessPlatform.h"
-
-#include <QFile>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -32,8 +31,7 @@ QString AppStateFixture::workspacePath() const {
 }
 
 QByteArray AppStateFixture::workspaceText() const {
-    QFile file(workspacePath());
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return readFile(workspacePath());
 }
 
 QUuid AppStateFixture::addMask(const QString& name, const Rect& frame) {

@@ -1,8 +1,6 @@
 #include "support/AppStateFixture.h"
+#include "support/Files.h"
 
-#include <QDir>
-#include <QFile>
-#include <QJsonDocument>
 #include <limits>
 
 using namespace Qt::Literals::StringLiterals;
@@ -246,9 +244,7 @@ TEST_F(AppStateTest, FindsEverythingAgainAfterARestart) {
 
 TEST_F(AppStateTest, RunsOnWhenTheWorkspaceCannotBeReadOrWritten) {
     advance(250);
-    QFile file(workspacePath());
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("{ broken") > 0);
-    file.close();
+    writeFile(workspacePath(), "{ broken");
     restart();
     EXPECT_EQ(m_log.lines.size(), 1);
     EXPECT_TRUE(masks().isEmpty());

@@ -1,7 +1,6 @@
 #include "Services/OverlayWindow.h"
 #include "support/HeadlessHarness.h"
 
-#include <cmath>
 #include <gtest/gtest.h>
 
 using namespace Qt::Literals::StringLiterals;

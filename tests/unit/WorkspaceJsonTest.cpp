@@ -167,68 +167,63 @@ TEST(WorkspaceJson, LeavesAbsentMembersOutAndDropsUnknownOnes) {
 }
 
 TEST(WorkspaceJson, RejectsValuesOutOfRange) {
-    const Path style = maskPath + Path{u"style"_s};
     const Path uuid = presetPath + Path{u"id"_s};
-    const Path groupID = maskPath + Path{u"groupID"_s};
     const Path keyCode = bindingPath + Path{u"keyCode"_s};
-    const Path modifiers = bindingPath + Path{u"modifiers"_s};
     const Path priority = presetPath + Path{u"priority"_s};
-    const std::string keyRange =
-        "settings.hotkeyBindings.toggleAll.keyCode: expected an integer from 0 to 4294967295, "
-        "found ";
     const std::string priorityRange =
         "presets[0].priority: expected an integer from -9223372036854775808 to "
         "9223372036854775807, found ";
-    const std::string roundedPriority =
-        "presets[0].priority: expected a 64-bit integer in plain digits";
     const struct {
         Path path;
-        QByteArray text;
+        /// Ends with the value as it was found; empty for values that are accepted.
         std::string error;
+        QByteArrayList values;
     } cases[]{
-        {style, "\"Blackout\"", "masks[1].style: unknown style \"Blackout\""},
-        {style, "\"soft tint\"", "masks[1].style: unknown style \"soft tint\""},
-        {style, "\"a\\nb\"", "masks[1].style: unknown style \"a\\nb\""},
-        {settingsPath + Path{u"defaultStyle"_s}, "\"\"",
-         "settings.defaultStyle: unknown style \"\""},
-        {uuid, "\"{aaaaaaaa-bbbb-cccc-dddd-eeeeeeeeeeee}\"",
-         "presets[0].id: expected a UUID, found \"{aaaaaaaa-bbbb-cccc-dddd-eeeeeeeeeeee}\""},
-        {uuid, "\"aaaaaaaabbbbccccddddeeeeeeeeeeee\"",
-         "presets[0].id: expected a UUID, found \"aaaaaaaabbbbccccddddeeeeeeeeeeee\""},
-        {uuid, "\"aaaaaaaa-bbbb-cccc-dddd-eeeeeeeeeee\"",
-         "presets[0].id: expected a UUID, found \"aaaaaaaa-bbbb-cccc-dddd-eeeeeeeeeee\""},
-        {groupID, "\"aaaaaaaa-bbbb-cccc-dddd-eeeeeeeeeeeg\"",
-         "masks[1].groupID: expected a UUID, found \"aaaaaaaa-bbbb-cccc-dddd-eeeeeeeeeeeg\""},
-        {groupID, "\"aaaaaaaa-bbbb-cccc-ddddeeeee-eeeeeee\"",
-         "masks[1].groupID: expected a UUID, found \"aaaaaaaa-bbbb-cccc-ddddeeeee-eeeeeee\""},
-        {groupID, "\"\"", "masks[1].groupID: expected a UUID, found \"\""},
-        {keyCode, "-1", keyRange + "-1"},
-        {keyCode, "4294967296", keyRange + "4294967296"},
-        {keyCode, "45.5", keyRange + "45.5"},
-        {priority, "0.5", priorityRange + "0.5"},
+        {maskPath + Path{u"style"_s},
+         "masks[1].style: unknown style ",
+         {R"("Blackout")", R"("soft tint")", R"("a\nb")"}},
+        {settingsPath + Path{u"defaultStyle"_s},
+         "settings.defaultStyle: unknown style ",
+         {R"("")"}},
+        {uuid,
+         "presets[0].id: expected a UUID, found ",
+         {R"("{aaaaaaaa-bbbb-cccc-dddd-eeeeeeeeeeee}")", R"("aaaaaaaabbbbccccddddeeeeeeeeeeee")",
+          R"("aaaaaaaa-bbbb-cccc-dddd-eeeeeeeeeee")"}},
+        {maskPath + Path{u"groupID"_s},
+         "masks[1].groupID: expected a UUID, found ",
+         {R"("aaaaaaaa-bbbb-cccc-dddd-eeeeeeeeeeeg")", R"("aaaaaaaa-bbbb-cccc-ddddeeeee-eeeeeee")",
+          R"("")"}},
+        {keyCode,
+         "settings.hotkeyBindings.toggleAll.keyCode: expected an integer from 0 to 4294967295, "
+         "found ",
+         {"-1", "4294967296", "45.5"}},
+        {priority, priorityRange, {"0.5", "1e+300"}},
+        // At the edges of what is accepted.
+        {uuid,
+         {},
+         {R"("AAAAAAAA-bbbb-CCCC-dddd-EEEEEEEEEEEE")",
+          R"("00000000-0000-0000-0000-000000000000")"}},
+        {keyCode, {}, {"0", "4294967295", "6400.0"}},
+        {priority, {}, {"3.0", "9223372036854775807", "-9223372036854775808", "9007199254740993"}},
+    };
+    for (const auto& [path, error, values] : cases)
+        for (const QByteArray& value : values)
+            EXPECT_EQ(errorOfReading(sampleWithText(path, value)),
+                      error.empty() ? error : error + value.toStdString());
+
+    const std::string rounded = "presets[0].priority: expected a 64-bit integer in plain digits";
+    const std::tuple<Path, QByteArray, std::string> others[]{
         {priority, "9223372036854775808", priorityRange + "9223372036854776000"},
-        {priority, "1e300", priorityRange + "1e+300"},
-        {priority, "-9223372036854775809", roundedPriority},
-        {priority, "9007199254740993.0", roundedPriority},
+        {priority, "-9223372036854775809", rounded},
+        {priority, "9007199254740993.0", rounded},
         {maskPath, "[]", "masks[1]: expected an object, found an array"},
         {bindingPath, "null", "settings.hotkeyBindings.toggleAll: expected an object, found null"},
         {{u"settings"_s, u"hotkeyBindings"_s, u"no action, kept"_s},
          "1",
          "settings.hotkeyBindings[\"no action, kept\"]: expected an object, found a number"},
-        // At the edges of what is accepted.
-        {uuid, "\"AAAAAAAA-bbbb-CCCC-dddd-EEEEEEEEEEEE\"", ""},
-        {uuid, "\"00000000-0000-0000-0000-000000000000\"", ""},
-        {keyCode, "4294967295", ""},
-        {modifiers, "0", ""},
-        {modifiers, "6400.0", ""},
-        {priority, "3.0", ""},
-        {priority, "9223372036854775807", ""},
-        {priority, "-9223372036854775808", ""},
-        {priority, "9007199254740993", ""},
     };
-    for (const auto& [path, text, error] : cases) {
-        EXPECT_EQ(errorOfReading(sampleWithText(path, text)), error) << text.toStdString();
-    }
+    for (const auto& [path, value, error] : others)
+        EXPECT_EQ(errorOfReading(sampleWithText(path, value)), error) << value.constData();
 }
 
 TEST(WorkspaceJson, TellsWhereTheTextIsNotJson) {

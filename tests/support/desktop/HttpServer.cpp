@@ -1,9 +1,9 @@
 #include "support/desktop/HttpServer.h"
 
+#include "support/Files.h"
 #include "support/desktop/ChildProcess.h"
 #include "support/desktop/Wait.h"
 
-#include <QFile>
 #include <QSslCertificate>
 #include <QSslKey>
 #include <QSslServer>
@@ -44,14 +44,11 @@ QSslConfiguration HttpServer::selfSigned() {
          u"/CN=127.0.0.1"_s, u"-addext"_s, u"subjectAltName=IP:127.0.0.1"_s, u"-keyout"_s, keyPath,
          u"-out"_s, certificatePath},
         QProcessEnvironment::systemEnvironment());
-    QFile keyFile(keyPath);
-    QFile certificateFile(certificatePath);
-    if (openssl.waitForExit(defaultWait) != 0 || !keyFile.open(QIODevice::ReadOnly) ||
-        !certificateFile.open(QIODevice::ReadOnly))
+    if (openssl.waitForExit(defaultWait) != 0)
         throw std::runtime_error("no certificate: " + openssl.standardError().toStdString());
     QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-    configuration.setPrivateKey(QSslKey(keyFile.readAll(), QSsl::Ec));
-    configuration.setLocalCertificate(QSslCertificate(certificateFile.readAll()));
+    configuration.setPrivateKey(QSslKey(readFile(keyPath), QSsl::Ec));
+    configuration.setLocalCertificate(QSslCertificate(readFile(certificatePath)));
     configuration.setPeerVerifyMode(QSslSocket::VerifyNone);
     return configuration;
 }
