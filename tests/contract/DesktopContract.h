@@ -6,7 +6,6 @@
 #include <QStringList>
 #include <gtest/gtest.h>
 #include <memory>
-#include <string>
 #include <vector>
 
 using namespace Qt::Literals::StringLiterals;

@@ -4,7 +4,6 @@
 #include "contract/WorkspaceHarness.h"
 
 #include <QStringList>
-#include <algorithm>
 #include <gtest/gtest.h>
 
 /// What every back end must tell of applications. A back end instantiates the suite with its

@@ -129,13 +129,10 @@ protected:
         workspace.hasCompletedOnboarding = true;
         start();
     }
-    bool hasColor(QRgb color) {
-        const QImage image = Screenshot(probe).image().convertToFormat(QImage::Format_RGB32);
-        int count = 0;
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x)
-                count += image.pixel(x, y) == color ? 1 : 0;
-        return count > 400;
+    bool hasColor(const QColor& color) {
+        const Screenshot screen(probe);
+        const auto isColor = [&](const QColor& each) { return each == color; };
+        return screen.count(screen.image().rect(), isColor) > 400;
     }
     bool comesToContrast(bool isIncreased) {
         return waitUntil([&] {
@@ -144,7 +141,7 @@ protected:
         });
     }
 
-    static constexpr QRgb usual = 0xff6366f1, increased = 0xffa5b4fc;
+    const QColor usual{u"#6366f1"_s}, increased{u"#a5b4fc"_s};
 };
 
 }  // namespace

@@ -198,21 +198,11 @@ TEST_F(DashboardTest, MenusArePaintedOnTheScreen) {
         input.typeKeysyms({alt, 'v'});
         ASSERT_TRUE(waitUntil([&] { return menu().has_value(); }));
         const QRect frame = menu()->frame;
-        const auto count = [&](const auto& isWanted) {
-            const QImage image = Screenshot(probe).image().copy(frame);
-            int found = 0;
-            for (int y = 0; y < image.height(); ++y)
-                for (int x = 0; x < image.width(); ++x)
-                    if (isWanted(image.pixelColor(x, y))) ++found;
-            return found;
-        };
+        const auto isGround = [](const QColor& each) { return each == QColor(u"#141826"_s); };
+        const auto isText = [](const QColor& each) { return each.lightness() > 150; };
         const int area = frame.width() * frame.height();
-        EXPECT_TRUE(waitUntil([&] {
-            return count([](const QColor& each) { return each == QColor(u"#141826"_s); }) >
-                   area / 2;
-        })) << "the menu's ground";
-        EXPECT_GT(count([](const QColor& each) { return each.lightness() > 150; }), 300)
-            << "the menu's text";
+        EXPECT_TRUE(waitUntil([&] { return Screenshot(probe).count(frame, isGround) > area / 2; }));
+        EXPECT_GT(Screenshot(probe).count(frame, isText), 300);
         key(escape);
         EXPECT_EQ(quit(), 0);
     }

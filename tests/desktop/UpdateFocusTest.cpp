@@ -4,7 +4,6 @@
 #include "support/desktop/XTestInput.h"
 
 #include <QApplication>
-#include <QDialog>
 #include <QWindow>
 #include <X11/keysym.h>
 #include <algorithm>

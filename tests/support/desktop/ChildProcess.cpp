@@ -111,6 +111,11 @@ std::optional<int> ChildProcess::waitForExit(std::chrono::milliseconds timeout) 
     return m_exitStatus;
 }
 
+ChildProcess::Outcome ChildProcess::waitForOutcome() {
+    const auto status = waitForExit(defaultWait);
+    return {status, standardOutput(), standardError()};
+}
+
 void ChildProcess::sendSignal(int signalNumber) {
     if (!m_exitStatus) kill(m_pid, signalNumber);
 }

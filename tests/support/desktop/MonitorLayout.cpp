@@ -1,6 +1,5 @@
 #include "support/desktop/MonitorLayout.h"
 
-#include <algorithm>
 #include <array>
 #include <stdexcept>
 #include <sys/uio.h>

@@ -16,6 +16,16 @@ public:
     QColor pixel(int x, int y) const { return m_image.pixelColor(x, y); }
     QColor pixel(QPoint position) const { return m_image.pixelColor(position); }
 
+    /// How many pixels of a part are as wanted.
+    template <typename Wanted>
+    int count(const QRect& part, const Wanted& isWanted) const {
+        int found = 0;
+        for (int y = part.top(); y <= part.bottom(); ++y)
+            for (int x = part.left(); x <= part.right(); ++x)
+                if (isWanted(pixel(x, y))) ++found;
+        return found;
+    }
+
 private:
     QImage m_image;
 };

@@ -6,7 +6,6 @@
 #include "support/desktop/NeighbourClient.h"
 #include "support/desktop/NeighbourProgram.h"
 
-#include <QProcessEnvironment>
 #include <map>
 #include <memory>
 

@@ -1,6 +1,5 @@
 #include "support/desktop/XTestInput.h"
 
-#include <algorithm>
 #include <stdexcept>
 #include <xcb/xtest.h>
 
