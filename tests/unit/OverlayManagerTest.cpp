@@ -134,3 +134,14 @@ TEST_F(OverlayManagerTest, ASyncWithNothingChangedChangesNothing) {
     sync(true, true, masks[2].id);
     EXPECT_NE(surface(0).content(), painted);
 }
+
+TEST_F(OverlayManagerTest, OneMaskOrNoneIsSelected) {
+    masks = {maskAt({0, 0, 100, 100}), maskAt({200, 0, 100, 100})};
+    sync(true, true, masks[1].id);
+    for (const std::optional<QUuid>& selected :
+         {std::optional(masks[0].id), std::optional<QUuid>()}) {
+        manager.setSelectedMask(selected);
+        for (const ScreenMask& mask : masks)
+            EXPECT_EQ(manager.windowFor(mask.id)->contentView()->isSelected, selected == mask.id);
+    }
+}
