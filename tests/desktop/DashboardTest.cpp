@@ -139,13 +139,13 @@ TEST_F(DashboardTest, ItComesAndGoesAndTheMasksStay) {
     neighbour.move(dashboard(), {60, 40, 1000, 600});
     ASSERT_TRUE(waitUntil([&] { return probe.geometry(dashboard())->width() == 1000; }));
     const QRect frame = dashboardFrame();
-    struct Step {
+    struct Way {
         const char* what;
         std::vector<std::uint32_t> keys;
         QStringList command;
         bool isShown;
     };
-    const Step steps[] = {
+    const Way steps[] = {
         {"Control and W", {control, 'w'}, {}, false},
         {"veyla", {}, {}, true},
         {"toggle-dashboard hides", {}, {u"toggle-dashboard"_s}, false},

@@ -94,15 +94,9 @@ protected:
 
 TEST_F(Frosted, HidesPrintAndFollowsItWithAndWithoutACompositor) {
     start();
-    struct Row {
-        const char* name;
-        std::function<void()> change;
-    };
-    for (const auto& [name, change] : {
-             Row{"no compositor", [] {}},
-             Row{"compositor started", [&] { desktop.startCompositor(); }},
-             Row{"compositor stopped", [&] { desktop.stopCompositor(); }},
-         }) {
+    for (const auto& [name, change] :
+         {Step("no compositor", [] {}), Step("started", [&] { desktop.startCompositor(); }),
+          Step("stopped", [&] { desktop.stopCompositor(); })}) {
         SCOPED_TRACE(name);
         change();
         EXPECT_TRUE(blurs(127.5));

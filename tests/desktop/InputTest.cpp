@@ -16,13 +16,11 @@ TEST_F(PassThrough, ClicksReachWhatIsBelowExactlyWhenTheyShould) {
         EXPECT_LE(events.size(), 1);
         return !events.isEmpty() && events.first().window == below;
     };
-    struct Row {
-        const char* command;
-        bool isOrdinaryPassed;
-    };
-    for (const auto& [command, isOrdinaryPassed] :
-         {Row{"status", false}, Row{"toggle-editing", true}, Row{"toggle-editing", false},
-          Row{"hide-masks", true}, Row{"show-masks", false}}) {
+    for (const auto& [command, isOrdinaryPassed] : {std::pair("status", false),
+                                                    {"toggle-editing", true},
+                                                    {"toggle-editing", false},
+                                                    {"hide-masks", true},
+                                                    {"show-masks", false}}) {
         SCOPED_TRACE(command);
         const xcb_window_t window = windowOf(ordinary)->id;
         ASSERT_EQ(run({QString::fromLatin1(command)}).status, 0);

@@ -48,6 +48,9 @@ protected:
         ASSERT_EQ(command.waitForExit(defaultWait), 0) << command.standardError().constData();
     }
 
+    /// Something that happens, and what to call it.
+    using Step = std::pair<const char*, std::function<void()>>;
+
     /// Another program's window over the whole screen, below the masks that come later.
     xcb_window_t openBackdrop() {
         return neighbour.open({.frame = {0, 0, 1280, 800}, .isOverrideRedirect = true});
