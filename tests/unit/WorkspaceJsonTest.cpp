@@ -3,7 +3,6 @@
 #include "support/SampleWorkspace.h"
 
 #include <QJsonDocument>
-#include <QRegularExpression>
 #include <functional>
 #include <gtest/gtest.h>
 #include <limits>
@@ -40,7 +39,7 @@ QJsonValue valueAt(QJsonValue value, const Path& path) {
 }
 
 QJsonObject sampleDocument() {
-    return QJsonDocument::fromJson(sampleWorkspace().toJsonText()).object();
+    return QJsonDocument::fromJson(sampleText()).object();
 }
 
 QByteArray sampleWith(const Path& path, const QJsonValue& replacement) {
@@ -297,24 +296,26 @@ TEST(WorkspaceJson, WritesEveryMemberAsItWasRead) {
     EXPECT_EQ(WorkspaceSnapshot::fromJsonText(exact.toJsonText()), exact);
 }
 
-TEST(WorkspaceJson, IsIndentedWithSortedKeysAndUpperCaseIdentifiers) {
-    const QString text = QString::fromUtf8(sampleWorkspace().toJsonText());
-    const QRegularExpression member(u"^( *)\"((?:[^\"\\\\]|\\\\.)*)\":"_s);
-    QMap<qsizetype, QString> lastKeys;  // by indentation
-    for (const QString& line : text.split(u'\n')) {
-        const QRegularExpressionMatch match = member.match(line);
-        const qsizetype indentation = line.indexOf(QRegularExpression(u"[^ ]"_s));
-        if (!match.hasMatch()) {
-            // A bracket: what was deeper is over.
-            lastKeys.erase(lastKeys.upperBound(indentation), lastKeys.end());
-            continue;
-        }
-        EXPECT_GT(indentation, 0);
-        EXPECT_LT(lastKeys.value(indentation), match.captured(2)) << line.toStdString();
-        lastKeys.insert(indentation, match.captured(2));
-    }
-    EXPECT_TRUE(text.contains("\"6F9619FF-8B86-D011-B42D-00CF4FC964FF\""_L1));
-    EXPECT_TRUE(text.contains("\"00000000-0000-0000-0000-0000000000AB\""_L1));
+TEST(WorkspaceJson, KeepsToTheFormOfDocumentsThatPeopleHave) {
+    const WorkspaceSnapshot sample = sampleWorkspace();
+    EXPECT_EQ(sample.toJsonText(), sampleText());
+    EXPECT_TRUE(sample.hasCompletedOnboarding && sample.isEditingEnabled);
+    EXPECT_FALSE(sample.areMasksVisible);
+    EXPECT_EQ(sample.masks[0].frame, (MaskFrame{-1280, 12.5, 320, 180}));
+    EXPECT_TRUE(sample.masks[0].isVisible && sample.masks[1].isClickThrough);
+    EXPECT_FALSE(sample.masks[1].isVisible || sample.masks[0].isClickThrough);
+    EXPECT_TRUE(sample.groups[0].isVisible && sample.groups[0].isLocked);
+    EXPECT_FALSE(sample.groups[0].isExpanded);
+    EXPECT_EQ(sample.presets[0], (MaskPreset{QUuid(u"AAAAAAAA-BBBB-CCCC-DDDD-EEEEEEEEEEEE"_s),
+                                             u"Demo"_s,
+                                             u"Manual"_s,
+                                             {sample.masks[1]},
+                                             true,
+                                             u"Präsentation"_s,
+                                             u"org.example.Slides"_s,
+                                             -3}));
+    EXPECT_TRUE(sample.settings.showHelpOnLaunch && sample.settings.showDashboardOnLaunch);
+    EXPECT_EQ(sample.settings.binding(u"toggleEditing"_s), (HotkeyBinding{37, 6400}));
 }
 
 }  // namespace
