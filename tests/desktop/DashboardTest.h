@@ -34,10 +34,9 @@ protected:
         const auto window = probe.window(probe.topLevelOf(dashboard()));
         return window ? window->frame : QRect();
     }
-    testing::AssertionResult showsDashboard(bool isShown = true) {
-        const bool isDone = waitUntil([&] { return (dashboard() != XCB_NONE) == isShown; }) &&
-                            status()[u"dashboardVisible"].toBool(!isShown) == isShown;
-        return isDone ? testing::AssertionSuccess() : testing::AssertionFailure();
+    bool showsDashboard(bool isShown = true) {
+        return waitUntil([&] { return (dashboard() != XCB_NONE) == isShown; }) &&
+               status()[u"dashboardVisible"].toBool(!isShown) == isShown;
     }
     bool isInFront() const {
         // The window manager says so a moment before keys go there.

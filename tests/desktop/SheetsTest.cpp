@@ -21,8 +21,7 @@ protected:
         return testing::AssertionFailure() << document().toJsonText().constData();
     }
     testing::AssertionResult isGone(const QString& name) const {
-        if (waitUntil([&] { return named(name).isEmpty(); })) return testing::AssertionSuccess();
-        return testing::AssertionFailure() << name.toStdString() << " is there";
+        return comesToBe([&] { return named(name); }, QList<QStringList>());
     }
     void loadNotesFrom(const QUrl& url) {
         environment.insert(u"VEYLA_CHANGELOG_URL"_s, url.toString());

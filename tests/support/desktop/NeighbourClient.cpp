@@ -31,7 +31,23 @@ xcb_window_t NeighbourClient::create(const WindowOptions& options) {
                       static_cast<std::uint16_t>(frame.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
                       screen().root_visual,
                       XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
-    describe(window, options);
+    setText(window, u"_NET_WM_NAME"_s, options.title);
+    const QByteArray name = options.windowClass.toUtf8();
+    const QByteArray both = name + '\0' + name + '\0';
+    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS,
+                        XCB_ATOM_STRING, 8, number(static_cast<int>(both.size())), both.data());
+    setNumbers(window, u"_NET_WM_PID"_s, u"CARDINAL"_s, {number(getpid())});
+    const QByteArray machine = QSysInfo::machineHostName().toUtf8();
+    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLIENT_MACHINE,
+                        XCB_ATOM_STRING, 8, number(static_cast<int>(machine.size())),
+                        machine.data());
+    setNumbers(window, u"_MOTIF_WM_HINTS"_s, u"_MOTIF_WM_HINTS"_s, {2, 0, 0, 0, 0});
+    if (!options.windowType.isEmpty())
+        setNumbers(window, u"_NET_WM_WINDOW_TYPE"_s, u"ATOM"_s, {atom(options.windowType)});
+    // A position and size by the user (flags 1 and 2), so that the manager keeps them.
+    std::vector<std::uint32_t> hints(18, 0);
+    hints[0] = 3;
+    setNumbers(window, u"WM_NORMAL_HINTS"_s, u"WM_SIZE_HINTS"_s, hints);
     return window;
 }
 
@@ -149,26 +165,6 @@ void NeighbourClient::sendToManager(xcb_window_t window, const QString& type,
                    XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                    reinterpret_cast<const char*>(&message));
     roundTrip();
-}
-
-void NeighbourClient::describe(xcb_window_t window, const WindowOptions& options) {
-    setText(window, u"_NET_WM_NAME"_s, options.title);
-    const QByteArray name = options.windowClass.toUtf8();
-    const QByteArray both = name + '\0' + name + '\0';
-    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS,
-                        XCB_ATOM_STRING, 8, number(static_cast<int>(both.size())), both.data());
-    setNumbers(window, u"_NET_WM_PID"_s, u"CARDINAL"_s, {number(getpid())});
-    const QByteArray machine = QSysInfo::machineHostName().toUtf8();
-    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLIENT_MACHINE,
-                        XCB_ATOM_STRING, 8, number(static_cast<int>(machine.size())),
-                        machine.data());
-    setNumbers(window, u"_MOTIF_WM_HINTS"_s, u"_MOTIF_WM_HINTS"_s, {2, 0, 0, 0, 0});
-    if (!options.windowType.isEmpty())
-        setNumbers(window, u"_NET_WM_WINDOW_TYPE"_s, u"ATOM"_s, {atom(options.windowType)});
-    // A position and size by the user (flags 1 and 2), so that the manager keeps them.
-    std::vector<std::uint32_t> hints(18, 0);
-    hints[0] = 3;
-    setNumbers(window, u"WM_NORMAL_HINTS"_s, u"WM_SIZE_HINTS"_s, hints);
 }
 
 bool NeighbourClient::isViewable(xcb_window_t window) const {

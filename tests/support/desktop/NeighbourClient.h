@@ -67,5 +67,4 @@ private:
                    const std::vector<std::uint32_t>& values);
     void sendToManager(xcb_window_t window, const QString& type,
                        const std::vector<std::uint32_t>& values);
-    void describe(xcb_window_t window, const WindowOptions& options);
 };

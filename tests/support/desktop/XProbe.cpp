@@ -25,9 +25,19 @@ std::optional<XWindow> XProbe::window(xcb_window_t id) const {
                    .isOverrideRedirect = attributes->override_redirect != 0};
 }
 
-QList<XWindow> XProbe::windowsWith(const QString& property) const {
+QList<XWindow> XProbe::windowsWith(const QString& property,
+                                   std::optional<xcb_window_t> parent) const {
     QList<XWindow> found;
-    collect(root(), property, found);
+    for (const XWindow& child : childrenOf(parent.value_or(root()))) {
+        const auto names =
+            reply(xcb_list_properties_reply, xcb_list_properties(connection(), child.id));
+        if (names) {
+            const xcb_atom_t* atoms = xcb_list_properties_atoms(names.get());
+            const xcb_atom_t* end = atoms + xcb_list_properties_atoms_length(names.get());
+            if (std::find(atoms, end, atom(property)) != end) found.append(child);
+        }
+        found += windowsWith(property, child.id);
+    }
     return found;
 }
 
@@ -62,18 +72,4 @@ bool XProbe::isClickThrough(xcb_window_t window) const {
     const auto shape = reply(xcb_shape_get_rectangles_reply,
                              xcb_shape_get_rectangles(connection(), window, XCB_SHAPE_SK_INPUT));
     return shape && xcb_shape_get_rectangles_rectangles_length(shape.get()) == 0;
-}
-
-void XProbe::collect(xcb_window_t parent, const QString& property, QList<XWindow>& found) const {
-    for (const XWindow& child : childrenOf(parent)) {
-        const auto names =
-            reply(xcb_list_properties_reply, xcb_list_properties(connection(), child.id));
-        if (names) {
-            const xcb_atom_t wanted = atom(property);
-            const xcb_atom_t* atoms = xcb_list_properties_atoms(names.get());
-            const xcb_atom_t* end = atoms + xcb_list_properties_atoms_length(names.get());
-            if (std::find(atoms, end, wanted) != end) found.append(child);
-        }
-        collect(child.id, property, found);
-    }
 }
