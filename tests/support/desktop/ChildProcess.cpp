@@ -168,3 +168,14 @@ void ChildProcess::reap() {
     }
     m_exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
+
+QByteArray shellOutput(const QString& folder, const QString& commands) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("FOLDER"), folder);
+    ChildProcess shell(QStringLiteral("sh"),
+                       {QStringLiteral("-ec"), QStringLiteral("cd \"$FOLDER\"; ") + commands},
+                       environment);
+    const auto outcome = shell.waitForOutcome();
+    if (outcome.status != 0) throw std::runtime_error(outcome.error.toStdString());
+    return outcome.output.trimmed();
+}

@@ -74,3 +74,7 @@ private:
     int m_error = -1;
     std::optional<int> m_exitStatus;
 };
+
+/// What shell commands print that run in a folder, without the end of the last line. Throws
+/// std::runtime_error when one of them fails.
+QByteArray shellOutput(const QString& folder, const QString& commands);
