@@ -17,11 +17,6 @@ protected:
     explicit ApplicationsTest(const QStringList& serverArguments = {})
         : VeylaTest({.server = {.extraArguments = serverArguments}, .hasAccessibilityBus = true}) {}
 
-    void TearDown() override {
-        VeylaTest::TearDown();
-        EXPECT_EQ(process->standardError().toStdString(), "");
-    }
-
     std::unique_ptr<NeighbourProgram> launch(const QString& windowClass, int windowCount = 1) {
         return std::make_unique<NeighbourProgram>(desktop.environment(), windowClass, windowCount);
     }

@@ -293,7 +293,6 @@ TEST_F(HotKeys, WorkWithAnotherProgramFocusedWhateverTheKeyboardIsSetTo) {
         expectAllWork();
         input.typeChord(locks);
     }
-    EXPECT_EQ(process->standardError().toStdString(), "");
 
     // Taken back at the end.
     EXPECT_EQ(quit(), 0);
@@ -310,8 +309,8 @@ TEST_F(HotKeys, FollowModifiersThatMove) {
     ASSERT_TRUE(neighbour.grabKey(keyN, 4 + 8 + 32));
     moveModifiers();
     EXPECT_TRUE(waitUntil([&] { return !process->standardError().isEmpty(); }));
-    EXPECT_EQ(process->standardError().toStdString(),
-              "Veyla cannot use the shortcut ⌃⌥⌘N (Ctrl+Alt+Super+N): another program holds it\n");
+    m_expectedLog =
+        "Veyla cannot use the shortcut ⌃⌥⌘N (Ctrl+Alt+Super+N): another program holds it\n";
     for (const Keycodes& locks : {Keycodes{}, {numLock}, {capsLock, numLock}}) {
         input.typeChord(locks);
         EXPECT_TRUE(turns("areMasksVisible"_L1, keyH)) << locks.size();

@@ -148,6 +148,7 @@ TEST_F(Stacking, OutlastsAWindowThatRaisesItselfForEver) {
     }
     EXPECT_TRUE(staysAbove(mask, hostile));
     const QByteArray log = process->standardError();
+    m_expectedLog = log.toStdString();
     EXPECT_EQ(log.count('\n'), 1) << log.constData();
     EXPECT_TRUE(log.contains("\"Hostile\"")) << log.constData();
 }

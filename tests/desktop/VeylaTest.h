@@ -10,9 +10,12 @@ protected:
     explicit VeylaTest(const DesktopSession::Options& options = {}) : VeylaSession(options) {}
 
     void TearDown() override {
-        if (!process || !process->isRunning()) return;
-        EXPECT_EQ(quit(), 0) << process->standardError().constData();
-        EXPECT_TRUE(waitUntil([&] { return maskWindowCount() == 0; })) << "windows are left";
+        if (!process) return;
+        if (process->isRunning()) {
+            EXPECT_EQ(quit(), 0);
+            EXPECT_TRUE(waitUntil([&] { return maskWindowCount() == 0; })) << "windows are left";
+        }
+        EXPECT_EQ(process->standardError().toStdString(), m_expectedLog);
     }
 
     testing::AssertionResult comesTo(const QUuid& mask, const QRect& expected) {
@@ -50,6 +53,9 @@ protected:
 
     /// Something that happens, and what to call it.
     using Step = std::pair<const char*, std::function<void()>>;
+
+    /// What the program says on standard error until the end.
+    std::string m_expectedLog;
 
     /// Another program's window over the whole screen, below the masks that come later.
     xcb_window_t openBackdrop() {
