@@ -113,7 +113,7 @@ protected:
     }
 };
 
-TEST_F(PresetsTest, MovingMakesPrioritiesAgreeWithTheOrder) {
+TEST_F(PresetsTest, MovingMakesPrioritiesAgreeWithTheOrderAndBindingMeansOne) {
     const QUuid a = save(u"a"_s);
     save(u"b"_s);
     const QUuid c = save(u"c"_s);
@@ -129,6 +129,14 @@ TEST_F(PresetsTest, MovingMakesPrioritiesAgreeWithTheOrder) {
     state().movePresetDown(d);
     state().movePresetDown(c);
     EXPECT_EQ(order(), u"a:2 d:1 c:0 "_s);
+
+    activate(u"org.example.Editor"_s);
+    state().bindPresetToCurrentApp(d);
+    EXPECT_TRUE(presets()[1].autoApply && !presets()[0].autoApply);
+    EXPECT_EQ(presets()[1].targetBundleIdentifier, u"org.example.Editor"_s);
+    state().clearPresetAppBinding(d);
+    EXPECT_FALSE(presets()[1].autoApply || presets()[1].targetAppName ||
+                 presets()[1].targetBundleIdentifier);
 }
 
 TEST_F(PresetsTest, TheBestBoundPresetIsAppliedOnArrivalOnly) {

@@ -137,6 +137,7 @@ TEST_F(SheetsTest, APresetIsSavedFromItsDrafts) {
     click(u"Auto-apply for current frontmost app"_s);
     EXPECT_TRUE(has(target.arg(u"<b>Zoom</b>"_s)));
     setFrontmost(u"OBS"_s);
+    state().currentFrontmostBundleIdentifier.set(u"org.example.Recorder"_s);
     EXPECT_TRUE(has(target.arg(u"OBS"_s)));
 
     field(u"preset-name-field"_s).setFocus();
@@ -160,6 +161,7 @@ TEST_F(SheetsTest, APresetIsSavedFromItsDrafts) {
     EXPECT_EQ(preset.trigger, u"OBS");
     EXPECT_TRUE(preset.autoApply);
     EXPECT_EQ(preset.targetAppName, u"OBS");
+    EXPECT_EQ(preset.targetBundleIdentifier, u"org.example.Recorder");
     EXPECT_EQ(sheetName(), QString());
 
     present(SheetLevel::savePreset);
