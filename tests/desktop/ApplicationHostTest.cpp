@@ -89,9 +89,11 @@ TEST_F(ApplicationHostTest, AWindowComesToTheFrontFromBehindABusyProgram) {
     windows.front()->makeKeyAndOrderFront();
     EXPECT_TRUE(comesToFront(*window)) << "from being hidden";
     window->showMinimized();
-    EXPECT_TRUE(waitUntil([&] { return !windows.front()->isVisible(); }));
+    const auto isInFront = [&] { return m_neighbour.activeWindow() == window->winId(); };
+    EXPECT_TRUE(waitUntil([&] { return !windows.front()->isVisible() && !isInFront(); }));
     windows.front()->makeKeyAndOrderFront();
-    EXPECT_TRUE(comesToFront(*window) && windows.front()->isVisible()) << "from being minimised";
+    EXPECT_TRUE(waitUntil([&] { return windows.front()->isVisible() && isInFront(); }))
+        << "from being minimised";
 }
 
 TEST_F(ApplicationHostTest, WindowsKeepTheOrderInWhichTheyAppeared) {
