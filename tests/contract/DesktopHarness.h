@@ -7,7 +7,12 @@
 #include <QList>
 #include <QUuid>
 #include <functional>
+#include <memory>
 #include <vector>
+
+/// Makes the harness of one back end.
+template <typename Harness>
+using HarnessMaker = std::function<std::unique_ptr<Harness>()>;
 
 /// What the contract suites need of a desktop, beside its ports. Every back end provides one, with
 /// a single screen of 1280 by 800 points at first.

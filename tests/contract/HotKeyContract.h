@@ -2,6 +2,7 @@
 
 #include "Models/HotkeyBinding.h"
 #include "Platform/HotKeyCenter.h"
+#include "contract/DesktopHarness.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -24,9 +25,9 @@ public:
     virtual bool waitUntil(const std::function<bool()>& condition) = 0;
 };
 
-/// What every back end must do with hot keys. A back end instantiates the suite with its harness.
-template <typename Harness>
-class HotKeyContract : public testing::Test {
+/// What every back end must do with hot keys. A back end instantiates the suite with its harness,
+/// and includes this in one file.
+class HotKeyContract : public testing::TestWithParam<HarnessMaker<HotKeyHarness>> {
 protected:
     using Ids = std::vector<quint32>;
 
@@ -63,88 +64,81 @@ protected:
         return testing::AssertionFailure() << testing::PrintToString(news);
     }
 
-    Harness harness;
+    const std::unique_ptr<HotKeyHarness> owner = GetParam()();
+    HotKeyHarness& harness = *owner;
 };
 
-TYPED_TEST_SUITE_P(HotKeyContract);
-
-TYPED_TEST_P(HotKeyContract, EachPressIsToldToTheNewestHandler) {
-    const auto first = this->take(this->n, 1);
-    const auto second = this->take(this->h, 2);
+TEST_P(HotKeyContract, EachPressIsToldToTheNewestHandler) {
+    const auto first = take(n, 1);
+    const auto second = take(h, 2);
     ASSERT_TRUE(first && second);
-    typename TestFixture::Ids before;
-    typename TestFixture::Ids after;
-    Subscription replaced = this->recordInto(before);
-    EXPECT_TRUE(this->tells({this->n, this->h, this->n}, {1, 2, 1}, before));
-    Subscription current = this->recordInto(after);
+    Ids before;
+    Ids after;
+    Subscription replaced = recordInto(before);
+    EXPECT_TRUE(tells({n, h, n}, {1, 2, 1}, before));
+    Subscription current = recordInto(after);
     replaced.reset();
-    EXPECT_TRUE(this->tells({this->h, this->n}, {2, 1}, after));
+    EXPECT_TRUE(tells({h, n}, {2, 1}, after));
     EXPECT_EQ(before.size(), 4U);
 
     current.reset();
-    this->harness.press(this->n);
-    this->harness.settle();
-    const Subscription later = this->recordInto(before);
-    EXPECT_TRUE(this->tells({this->h}, {2}, before));
+    harness.press(n);
+    harness.settle();
+    const Subscription later = recordInto(before);
+    EXPECT_TRUE(tells({h}, {2}, before));
     EXPECT_EQ(after.size(), 3U);
 }
 
-TYPED_TEST_P(HotKeyContract, ACombinationHasOneHolderUntilItIsGivenBack) {
-    this->harness.occupy(this->l);
-    EXPECT_FALSE(this->take(this->l, 3));
-    auto first = this->take(this->n, 1);
-    const auto last = this->take(this->s, 4);
+TEST_P(HotKeyContract, ACombinationHasOneHolderUntilItIsGivenBack) {
+    harness.occupy(l);
+    EXPECT_FALSE(take(l, 3));
+    auto first = take(n, 1);
+    const auto last = take(s, 4);
     ASSERT_TRUE(first && last);
-    EXPECT_FALSE(this->take(this->n, 5));
-    typename TestFixture::Ids told;
-    const Subscription handler = this->recordInto(told);
-    EXPECT_TRUE(this->tells({this->n, this->l, this->s}, {1, 4}, told));
+    EXPECT_FALSE(take(n, 5));
+    Ids told;
+    const Subscription handler = recordInto(told);
+    EXPECT_TRUE(tells({n, l, s}, {1, 4}, told));
     // Other modifiers make another combination.
-    EXPECT_TRUE(this->tells({{45, this->control}, {45, this->n.modifiers + this->shift}, this->s},
-                            {4}, told));
+    EXPECT_TRUE(tells({{45, control}, {45, n.modifiers + shift}, s}, {4}, told));
     first.reset();
-    EXPECT_TRUE(this->tells({this->n, this->s}, {4}, told));
-    first = this->take(this->n, 5);
+    EXPECT_TRUE(tells({n, s}, {4}, told));
+    first = take(n, 5);
     ASSERT_TRUE(first);
-    EXPECT_TRUE(this->tells({this->n, this->s}, {5, 4}, told));
+    EXPECT_TRUE(tells({n, s}, {5, 4}, told));
 }
 
-TYPED_TEST_P(HotKeyContract, NothingIsToldWhileSuspended) {
-    const auto first = this->take(this->n, 1);
-    typename TestFixture::Ids told;
-    const Subscription handler = this->recordInto(told);
-    Subscription outer = this->harness.hotKeys().suspendHotKeys();
-    Subscription inner = this->harness.hotKeys().suspendHotKeys();
-    const auto second = this->take(this->h, 2);
+TEST_P(HotKeyContract, NothingIsToldWhileSuspended) {
+    const auto first = take(n, 1);
+    Ids told;
+    const Subscription handler = recordInto(told);
+    Subscription outer = harness.hotKeys().suspendHotKeys();
+    Subscription inner = harness.hotKeys().suspendHotKeys();
+    const auto second = take(h, 2);
     ASSERT_TRUE(first && second);
-    this->harness.press(this->n);
+    harness.press(n);
     outer.reset();
-    this->harness.press(this->h);
+    harness.press(h);
     inner.reset();
-    EXPECT_TRUE(this->tells({this->n, this->h}, {1, 2}, told));
+    EXPECT_TRUE(tells({n, h}, {1, 2}, told));
     EXPECT_EQ(told.size(), 3U);
 }
 
-TYPED_TEST_P(HotKeyContract, WhatIsLostInASuspensionIsToldAndComesBack) {
-    const auto lost = this->take(this->l, 3);
-    const auto kept = this->take(this->n, 1);
+TEST_P(HotKeyContract, WhatIsLostInASuspensionIsToldAndComesBack) {
+    const auto lost = take(l, 3);
+    const auto kept = take(n, 1);
     ASSERT_TRUE(lost && kept);
-    typename TestFixture::Ids told;
-    const Subscription handler = this->recordInto(told);
+    Ids told;
+    const Subscription handler = recordInto(told);
     for (const bool isHeld : {true, false, true}) {
-        const typename TestFixture::Ids expected =
-            isHeld ? std::vector<quint32>{3, 1} : std::vector<quint32>{1};
-        Subscription suspension = this->harness.hotKeys().suspendHotKeys();
-        this->harness.settle();
-        isHeld ? this->harness.vacate(this->l) : this->harness.occupy(this->l);
+        const Ids expected = isHeld ? std::vector<quint32>{3, 1} : std::vector<quint32>{1};
+        Subscription suspension = harness.hotKeys().suspendHotKeys();
+        harness.settle();
+        isHeld ? harness.vacate(l) : harness.occupy(l);
         EXPECT_TRUE(kept->isHeld().value());
         suspension.reset();
         EXPECT_EQ(lost->isHeld().value(), isHeld);
         EXPECT_TRUE(kept->isHeld().value());
-        EXPECT_TRUE(this->tells({this->l, this->n}, expected, told));
+        EXPECT_TRUE(tells({l, n}, expected, told));
     }
 }
-
-REGISTER_TYPED_TEST_SUITE_P(HotKeyContract, EachPressIsToldToTheNewestHandler,
-                            ACombinationHasOneHolderUntilItIsGivenBack, NothingIsToldWhileSuspended,
-                            WhatIsLostInASuspensionIsToldAndComesBack);

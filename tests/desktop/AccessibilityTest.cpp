@@ -4,7 +4,6 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QFileInfo>
-#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -18,61 +17,36 @@ class AccessibilityTest : public VeylaTest {
 protected:
     explicit AccessibilityTest(bool hasBus = true) : VeylaTest({.hasAccessibilityBus = hasBus}) {}
 
-    void TearDown() override {
-        VeylaTest::TearDown();
-        EXPECT_EQ(process->standardError().toStdString(), m_expectedComplaints);
-    }
-
-    std::unique_ptr<ChildProcess> startClient(const QString& mode) const {
-        return std::make_unique<ChildProcess>(
-            u"/usr/bin/python3"_s,
-            QStringList{QStringLiteral(VEYLA_SOURCE_DIR "/tests/desktop/accessibility_client.py"),
-                        mode},
-            desktop.environment());
-    }
-
     QStringList tree() const {
-        const auto client = startClient(u"tree"_s);
+        const auto client = assistiveClient({u"tree"_s});
         if (client->waitForExit(defaultWait) != 0)
             return {QString::fromUtf8(client->standardError())};
-        auto lines = QString::fromUtf8(client->standardOutput()).split(u'\n', Qt::SkipEmptyParts);
+        QStringList lines = linesOf(*client);
         lines.sort();
         return lines;
     }
 
     testing::AssertionResult treeBecomes(QStringList expected) const {
         expected.sort();
-        QStringList seen;
-        if (waitUntil([&] { return (seen = tree()) == expected; }))
-            return testing::AssertionSuccess();
-        return testing::AssertionFailure() << seen.join(u'\n').toStdString() << "\ninstead of\n"
-                                           << expected.join(u'\n').toStdString();
+        return comesToBe([&] { return tree(); }, expected);
     }
 
-    void watch() {
-        m_watcher = startClient(u"watch"_s);
-        ASSERT_EQ(m_watcher->waitForFirstLine(), "ready");
-    }
-
-    QStringList events() const {
-        return QString::fromUtf8(m_watcher->standardOutput()).split(u'\n', Qt::SkipEmptyParts);
-    }
+    void watch() { m_watcher = assistiveWatcher(u"watch"_s); }
+    QStringList events() const { return linesOf(*m_watcher); }
 
     /// Whether all of these are told sooner or later.
     testing::AssertionResult hears(const QStringList& expected) const {
-        if (waitUntil([&] {
-                return std::all_of(expected.begin(), expected.end(),
-                                   [&](const QString& event) { return events().contains(event); });
-            }))
-            return testing::AssertionSuccess();
-        return testing::AssertionFailure() << events().join(u'\n').toStdString();
+        const auto missing = [&] {
+            QStringList left = expected;
+            left.removeIf([this](const QString& event) { return events().contains(event); });
+            return left;
+        };
+        return comesToBe(missing, QStringList());
     }
 
     QStringList announcements() const { return events().filter(u"object:announcement"_s); }
 
     void create() { EXPECT_EQ(run({u"create-mask"_s}).status, 0); }
-
-    std::string m_expectedComplaints;
 
 private:
     std::unique_ptr<ChildProcess> m_watcher;
@@ -225,7 +199,7 @@ TEST_F(LateAccessibilityTest, WithoutASessionBusNoneIsStarted) {
     EXPECT_EQ(process->waitForExit(defaultWait), 0);
     // Where a bus that libraries start for themselves leaves its address.
     EXPECT_FALSE(QFileInfo::exists(desktop.home().path() + u"/.dbus"_s));
-    m_expectedComplaints =
+    m_expectedLog =
         "Veyla found no session bus and takes no commands from other processes: "
         "Not connected to D-Bus server\n";
 }

@@ -68,39 +68,21 @@ private:
 };
 
 /// The program of a desktop that manages the settings, until the end of the object.
-class SettingsManager {
+class SettingsManager : public NeighbourClient {
 public:
-    explicit SettingsManager(const DesktopSession& desktop)
-        : m_connection(xcb_connect(desktop.displayName().toLatin1().constData(), nullptr)) {
-        const xcb_screen_t* const screen =
-            xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
-        m_window = xcb_generate_id(m_connection);
-        xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, m_window, screen->root, 0, 0, 1, 1, 0,
-                          XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
-    }
-    ~SettingsManager() { xcb_disconnect(m_connection); }
-    SettingsManager(const SettingsManager&) = delete;
-    SettingsManager& operator=(const SettingsManager&) = delete;
+    using NeighbourClient::NeighbourClient;
 
     void tell(const SettingsDocument& document) {
         const QByteArray bytes = document.bytes();
-        const xcb_atom_t property = atom("_XSETTINGS_SETTINGS");
-        xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, m_window, property, property, 8,
+        const xcb_atom_t property = atom(u"_XSETTINGS_SETTINGS"_s);
+        xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, m_window, property, property, 8,
                             static_cast<uint32_t>(bytes.size()), bytes.constData());
-        xcb_set_selection_owner(m_connection, m_window, atom("_XSETTINGS_S0"), XCB_CURRENT_TIME);
-        xcb_flush(m_connection);
+        xcb_set_selection_owner(connection(), m_window, atom(u"_XSETTINGS_S0"_s), XCB_CURRENT_TIME);
+        roundTrip();
     }
 
 private:
-    xcb_atom_t atom(const QByteArray& name) {
-        const auto reply = xcbReply(
-            xcb_intern_atom_reply, m_connection,
-            xcb_intern_atom(m_connection, 0, static_cast<uint16_t>(name.size()), name.constData()));
-        return reply ? reply->atom : xcb_atom_t{XCB_NONE};
-    }
-
-    xcb_connection_t* m_connection;
-    xcb_window_t m_window;
+    xcb_window_t m_window = create({});
 };
 
 /// The Settings portal, with the one setting of the freedesktop group.
@@ -147,13 +129,10 @@ protected:
         workspace.hasCompletedOnboarding = true;
         start();
     }
-    bool hasColor(QRgb color) {
-        const QImage image = Screenshot(probe).image().convertToFormat(QImage::Format_RGB32);
-        int count = 0;
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x)
-                count += image.pixel(x, y) == color ? 1 : 0;
-        return count > 400;
+    bool hasColor(const QColor& color) {
+        const Screenshot screen(probe);
+        const auto isColor = [&](const QColor& each) { return each == color; };
+        return screen.count(screen.image().rect(), isColor) > 400;
     }
     bool comesToContrast(bool isIncreased) {
         return waitUntil([&] {
@@ -162,7 +141,7 @@ protected:
         });
     }
 
-    static constexpr QRgb usual = 0xff6366f1, increased = 0xffa5b4fc;
+    const QColor usual{u"#6366f1"_s}, increased{u"#a5b4fc"_s};
 };
 
 }  // namespace
@@ -200,7 +179,7 @@ TEST(XSettings, AskForLessMotionAndMoreContrast) {
 TEST_F(AppearanceTest, WindowsFollowTheContrastThatTheDesktopsSettingsAskFor) {
     open();
     ASSERT_TRUE(comesToContrast(false));
-    auto manager = std::make_unique<SettingsManager>(desktop);
+    auto manager = std::make_unique<SettingsManager>(desktop.displayName());
     manager->tell(SettingsDocument().with("Net/ThemeName", QByteArray("HighContrast")));
     EXPECT_TRUE(comesToContrast(true));
     manager->tell(SettingsDocument().with("Net/ThemeName", QByteArray("Adwaita")));

@@ -7,7 +7,6 @@
 #include <QLabel>
 #include <QVBoxLayout>
 #include <QWindow>
-#include <algorithm>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -25,22 +24,15 @@ protected:
     }
 
     bool isListed(const QWidget& window) {
-        const auto states = m_connection->property32(static_cast<xcb_window_t>(window.winId()),
-                                                     m_connection->atom("_NET_WM_STATE"));
-        return std::find(states.begin(), states.end(),
-                         m_connection->atom("_NET_WM_STATE_SKIP_TASKBAR")) == states.end();
-    }
-
-    xcb_window_t activeWindow() {
-        const auto active = m_connection->property32(m_connection->root(),
-                                                     m_connection->atom("_NET_ACTIVE_WINDOW"));
-        return active.empty() ? XCB_NONE : active.front();
+        return !m_neighbour.hasState(static_cast<xcb_window_t>(window.winId()),
+                                     u"_NET_WM_STATE_SKIP_TASKBAR"_s);
     }
 
     bool comesToFront(const QWidget& window) {
-        return waitUntil([&] { return activeWindow() == window.winId(); });
+        return waitUntil([&] { return m_neighbour.activeWindow() == window.winId(); });
     }
 
+    NeighbourClient m_neighbour;
     QString m_error;
     std::unique_ptr<XcbConnection> m_connection = XcbConnection::open(&m_error);
     X11WindowManagement m_windowManagement{*m_connection};
@@ -62,15 +54,11 @@ TEST_F(ApplicationHostTest, AnAccessoryHasNoEntryInTheTaskBar) {
     later->hide();
     // Some managers leave a note on a window that they no longer manage.
     const auto id = static_cast<xcb_window_t>(later->winId());
-    const xcb_atom_t state = m_connection->atom("WM_STATE");
-    ASSERT_TRUE(waitUntil([&] { return m_connection->property32(id, state).empty(); }));
-    NeighbourClient manager;
-    manager.setNumbers(id, u"WM_STATE"_s, u"WM_STATE"_s, {0, XCB_NONE});
-    manager.roundTrip();
+    const auto state = [&] { return m_neighbour.numbersOf(id, u"WM_STATE"_s); };
+    ASSERT_TRUE(waitUntil([&] { return state().empty(); }));
+    m_neighbour.setNumbers(id, u"WM_STATE"_s, u"WM_STATE"_s, {0, XCB_NONE});
     later->show();
-    ASSERT_TRUE(waitUntil([&] {
-        return m_connection->property32(id, state) == std::vector<uint32_t>{1, XCB_NONE};
-    }));
+    ASSERT_TRUE(waitUntil([&] { return state() == std::vector<uint32_t>{1, XCB_NONE}; }));
     EXPECT_FALSE(isListed(*later)) << "a window that is shown again";
     later->hide();
     shown->hide();
@@ -84,10 +72,12 @@ TEST_F(ApplicationHostTest, AWindowComesToTheFrontFromBehindABusyProgram) {
     const auto window = makeWindow(u"Ours"_s);
     window->show();
     ASSERT_TRUE(comesToFront(*window));
-    NeighbourClient neighbour;
-    const auto other = neighbour.open({.title = u"Busy"_s});
-    neighbour.requestActivation(other);
-    ASSERT_TRUE(waitUntil([&] { return activeWindow() == other; }));
+    const auto other = m_neighbour.open({.title = u"Busy"_s});
+    const auto isBehind = [&] {
+        m_neighbour.requestActivation(other);
+        return waitUntil([&] { return m_neighbour.activeWindow() == other; });
+    };
+    ASSERT_TRUE(isBehind());
 
     const auto windows = m_host.windows();
     ASSERT_EQ(windows.size(), 1U);
@@ -95,14 +85,15 @@ TEST_F(ApplicationHostTest, AWindowComesToTheFrontFromBehindABusyProgram) {
     EXPECT_TRUE(comesToFront(*window));
     windows.front()->orderOut();
     EXPECT_FALSE(windows.front()->isVisible());
-    neighbour.requestActivation(other);
-    ASSERT_TRUE(waitUntil([&] { return activeWindow() == other; }));
+    ASSERT_TRUE(isBehind());
     windows.front()->makeKeyAndOrderFront();
     EXPECT_TRUE(comesToFront(*window)) << "from being hidden";
     window->showMinimized();
-    EXPECT_TRUE(waitUntil([&] { return !windows.front()->isVisible(); }));
+    const auto isInFront = [&] { return m_neighbour.activeWindow() == window->winId(); };
+    EXPECT_TRUE(waitUntil([&] { return !windows.front()->isVisible() && !isInFront(); }));
     windows.front()->makeKeyAndOrderFront();
-    EXPECT_TRUE(comesToFront(*window) && windows.front()->isVisible()) << "from being minimised";
+    EXPECT_TRUE(waitUntil([&] { return windows.front()->isVisible() && isInFront(); }))
+        << "from being minimised";
 }
 
 TEST_F(ApplicationHostTest, WindowsKeepTheOrderInWhichTheyAppeared) {

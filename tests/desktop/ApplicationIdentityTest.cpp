@@ -1,8 +1,7 @@
 #include "Models/Json.h"
 #include "Platform/Qt/ApplicationResolver.h"
+#include "support/Files.h"
 
-#include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -23,18 +22,12 @@ QByteArray entryText(const QByteArray& name, const QByteArray& more = {}) {
 class ApplicationIdentityTest : public testing::Test {
 protected:
     void write(const QString& path, const QByteArray& text) {
-        const QString whole = m_folder.filePath(path);
-        QDir().mkpath(QFileInfo(whole).path());
-        QFile file(whole);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(text);
+        writeFile(m_folder.filePath(path), text);
     }
 
     DesktopEntries entries() {
         return DesktopEntries({m_folder.filePath(u"user"_s), m_folder.filePath(u"system"_s)}, {});
     }
-
-    ApplicationResolver resolver() { return {entries(), ApplicationIdentities::builtIn()}; }
 
     QTemporaryDir m_folder;
 };
@@ -158,9 +151,7 @@ TEST_F(ApplicationIdentityTest, ScopesNameTheirApplication) {
 TEST_F(ApplicationIdentityTest, AScriptIsCalledByItsFile) {
     const QString path = m_folder.filePath(u"kazam"_s);
     for (const char* interpreter : {"/bin/sh", "/usr/bin/env sh"}) {
-        write(u"kazam"_s, QByteArray("#!") + interpreter + "\necho ready\nread line\n");
-        ASSERT_TRUE(
-            QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        writeProgram(path, QByteArray("#!") + interpreter + "\necho ready\nread line\n");
         QProcess script;
         script.start(path, {});
         ASSERT_TRUE(script.waitForReadyRead()) << interpreter;
@@ -175,7 +166,7 @@ TEST_F(ApplicationIdentityTest, TheBestEvidenceNamesTheApplication) {
     write(u"user/org.example.Editor.desktop"_s,
           entryText("Editor", "StartupWMClass=editor-window\nExec=editor"));
     write(u"user/org.example.Terminal.desktop"_s, entryText("Terminal"));
-    ApplicationResolver resolver = this->resolver();
+    ApplicationResolver resolver(entries(), ApplicationIdentities::builtIn());
     const auto process = [](const char* executable, const char* command = "",
                             std::optional<ApplicationScope> scope = {}) {
         return std::optional(ProcessFacts{.user = 0,
@@ -184,55 +175,41 @@ TEST_F(ApplicationIdentityTest, TheBestEvidenceNamesTheApplication) {
                                           .scope = std::move(scope)});
     };
     const ApplicationScope sandbox{u"org.example.Boxed"_s, true};
+    const ApplicationScope studio{u"com.obsproject.Studio"_s, true};
     const ApplicationScope terminal{u"org.example.Terminal"_s, false};
+    const auto ofClass = [](const QString& windowClass) {
+        return WindowFacts{{}, {}, u"i"_s, windowClass};
+    };
+    const WindowFacts plain = ofClass(u"Class"_s);
+    const WindowFacts gtk{u"org.gtk.App"_s, u"kde"_s, u"i"_s, u"Class"_s};
+    const WindowFacts withEntry{{}, u"/x/org.example.Editor.desktop"_s, u"i"_s, u"Class"_s};
+    const WindowFacts ofInstance{{}, {}, u"editor-window"_s, u"Class"_s};
+    const char* const editor = "org.example.Editor";
+    const char* const recorder = "com.apple.QuickTimePlayerX";
     const struct {
         WindowFacts window;
         std::optional<ProcessFacts> process;
         const char* name;
         const char* identifier;
     } cases[] = {
-        {{u"org.gtk.App"_s, u"kde"_s, u"i"_s, u"Class"_s},
-         process("editor", "", sandbox),
-         "Class",
-         "org.example.Boxed"},
-        {{{}, {}, u"i"_s, u"Class"_s},
-         process("p", "", terminal),
-         "Terminal",
-         "org.example.Terminal"},
-        {{{}, {}, u"i"_s, u"Editor-Window"_s},
-         process("p", "", terminal),
-         "Editor",
-         "org.example.Editor"},
-        {{u"org.gtk.App"_s, u"kde"_s, u"i"_s, u"Class"_s}, process("p"), "Class", "org.gtk.App"},
-        {{{}, u"/x/org.example.Editor.desktop"_s, u"i"_s, u"Class"_s},
-         process("p"),
-         "Editor",
-         "org.example.Editor"},
-        {{{}, {}, u"editor-window"_s, u"Class"_s}, std::nullopt, "Editor", "org.example.Editor"},
-        {{{}, {}, u"i"_s, u"Class"_s}, process("editor"), "Editor", "org.example.Editor"},
-        {{{}, {}, u"i"_s, u"Class"_s},
-         process("python3", "editor"),
-         "Editor",
-         "org.example.Editor"},
-        {{{}, {}, u"i"_s, u"Class"_s}, process("p"), "Class", "Class"},
-        {{{}, {}, u"i"_s, {}}, std::nullopt, "i", "i"},
+        {gtk, process("editor", "", sandbox), "Class", "org.example.Boxed"},
+        {plain, process("p", "", terminal), "Terminal", "org.example.Terminal"},
+        {ofClass(u"Editor-Window"_s), process("p", "", terminal), "Editor", editor},
+        {gtk, process("p"), "Class", "org.gtk.App"},
+        {withEntry, process("p"), "Editor", editor},
+        {ofInstance, std::nullopt, "Editor", editor},
+        {plain, process("editor"), "Editor", editor},
+        {plain, process("python3", "editor"), "Editor", editor},
+        {plain, process("p"), "Class", "Class"},
+        {ofClass({}), std::nullopt, "i", "i"},
         {{}, process("program", "other"), "program", "program"},
         {{}, process("python3.11", "script"), "script", "script"},
         {{}, std::nullopt, nullptr, nullptr},
         // The table, whatever the rest says.
-        {{{}, {}, u"x"_s, u"ZOOM"_s}, process("p"), "ZOOM", "us.zoom.xos"},
-        {{{}, {}, u"x"_s, u"SimpleScreenRecorder"_s},
-         process("p", "", terminal),
-         "Terminal",
-         "com.apple.QuickTimePlayerX"},
-        {{{}, {}, u"x"_s, u"Class"_s},
-         process("p", "CiscoCollabHost"),
-         "Class",
-         "com.cisco.webexmeetingsapp"},
-        {{},
-         process("p", "", ApplicationScope{u"com.obsproject.Studio"_s, true}),
-         "p",
-         "com.obsproject.obs-studio"},
+        {ofClass(u"ZOOM"_s), process("p"), "ZOOM", "us.zoom.xos"},
+        {ofClass(u"SimpleScreenRecorder"_s), process("p", "", terminal), "Terminal", recorder},
+        {plain, process("p", "CiscoCollabHost"), "Class", "com.cisco.webexmeetingsapp"},
+        {{}, process("p", "", studio), "p", "com.obsproject.obs-studio"},
     };
     for (const auto& each : cases) {
         const RunningApplication found = resolver.applicationOf(each.window, each.process);
@@ -244,9 +221,9 @@ TEST_F(ApplicationIdentityTest, TheBestEvidenceNamesTheApplication) {
 }
 
 TEST_F(ApplicationIdentityTest, TheTableIsWellFormed) {
-    QFile file(QStringLiteral(VEYLA_SOURCE_DIR "/resources/identities.json"));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const auto table = QJsonDocument::fromJson(file.readAll()).object();
+    const auto table = QJsonDocument::fromJson(
+                           readFile(QStringLiteral(VEYLA_SOURCE_DIR "/resources/identities.json")))
+                           .object();
     QStringList names;
     for (const QJsonValue& record : table["applications"_L1].toArray()) {
         EXPECT_FALSE(record["identifier"_L1].toString().isEmpty());

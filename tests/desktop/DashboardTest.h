@@ -4,7 +4,6 @@
 
 #include <QJsonArray>
 #include <QRegularExpression>
-#include <algorithm>
 
 /// The dashboard of the running program, as a person and assistive technology use it.
 class DashboardTest : public VeylaTest {
@@ -15,11 +14,6 @@ protected:
                                    f2 = 0xffbf, erase = 0xffff, space = 0x20;
 
     DashboardTest() : VeylaTest({.hasAccessibilityBus = true}) { startArguments.clear(); }
-
-    void TearDown() override {
-        VeylaTest::TearDown();
-        EXPECT_EQ(process->standardError().toStdString(), m_expectedLog);
-    }
 
     /// Of the window that the desktop lists as the dashboard; XCB_NONE while there is none.
     xcb_window_t dashboard() const {
@@ -35,18 +29,13 @@ protected:
         const auto window = probe.window(probe.topLevelOf(dashboard()));
         return window ? window->frame : QRect();
     }
-    testing::AssertionResult showsDashboard(bool isShown = true) {
-        const bool isDone = waitUntil([&] { return (dashboard() != XCB_NONE) == isShown; }) &&
-                            status()[u"dashboardVisible"].toBool(!isShown) == isShown;
-        return isDone ? testing::AssertionSuccess() : testing::AssertionFailure();
+    bool showsDashboard(bool isShown = true) {
+        return waitUntil([&] { return (dashboard() != XCB_NONE) == isShown; }) &&
+               status()[u"dashboardVisible"].toBool(!isShown) == isShown;
     }
     bool isInFront() const {
-        const auto active = probe.numbersOf(probe.root(), QStringLiteral("_NET_ACTIVE_WINDOW"));
         // The window manager says so a moment before keys go there.
-        const XcbPtr<xcb_get_input_focus_reply_t> focus(xcb_get_input_focus_reply(
-            probe.connection(), xcb_get_input_focus(probe.connection()), nullptr));
-        return !active.empty() && active.front() == dashboard() && focus &&
-               focus->focus == dashboard();
+        return probe.activeWindow() == dashboard() && probe.focus() == dashboard();
     }
     void openDashboard() {
         start();
@@ -54,23 +43,16 @@ protected:
                     [&] { return dashboard() != XCB_NONE && isInFront(); });
     }
 
-    std::unique_ptr<ChildProcess> client(const QStringList& arguments) const {
-        return std::make_unique<ChildProcess>(
-            QStringLiteral("/usr/bin/python3"),
-            QStringList(QStringLiteral(VEYLA_SOURCE_DIR "/tests/desktop/accessibility_client.py")) +
-                arguments,
-            desktop.environment());
-    }
     bool use(const QStringList& arguments) const {
-        return client(arguments)->waitForExit(defaultWait) == 0;
+        return assistiveClient(arguments)->waitForExit(defaultWait) == 0;
     }
     /// The elements on screen: identifier, name, role, states, rectangle.
     QList<QStringList> elements() const {
-        const auto reader = client({QStringLiteral("all")});
+        const auto reader = assistiveClient({QStringLiteral("all")});
         if (reader->waitForExit(defaultWait) != 0)
             ADD_FAILURE() << reader->standardError().constData();
         QList<QStringList> all;
-        for (const QString& line : QString::fromUtf8(reader->standardOutput()).split(u'\n'))
+        for (const QString& line : linesOf(*reader))
             if (line.count(QStringLiteral(" | ")) == 4) all << line.split(QStringLiteral(" | "));
         return all;
     }
@@ -87,20 +69,13 @@ protected:
         return {numbers[2].toInt(), numbers[3].toInt(), numbers[0].toInt(), numbers[1].toInt()};
     }
     testing::AssertionResult shows(const QStringList& names) const {
-        QStringList missing;
-        if (waitUntil([&] {
-                const auto all = elements();
-                missing.clear();
-                for (const QString& name : names)
-                    if (std::none_of(all.begin(), all.end(), [&](const auto& each) {
-                            return each[0] == name || each[1] == name;
-                        }))
-                        missing << name;
-                return missing.isEmpty();
-            }))
-            return testing::AssertionSuccess();
-        return testing::AssertionFailure()
-               << "no " << missing.join(QStringLiteral(", ")).toStdString();
+        const auto missing = [&] {
+            QStringList left = names;
+            for (const QStringList& each : elements())
+                left.removeIf([&](const auto& name) { return each[0] == name || each[1] == name; });
+            return left;
+        };
+        return comesToBe(missing, QStringList());
     }
 
     /// A member of a mask, or of a group, as `status` tells.
@@ -109,11 +84,7 @@ protected:
     }
     testing::AssertionResult becomes(const char* list, const char* member,
                                      const QJsonValue& value) {
-        QJsonValue seen;
-        if (waitUntil([&] { return (seen = valueOf(list, member)) == value; }))
-            return testing::AssertionSuccess();
-        return testing::AssertionFailure()
-               << member << " is " << seen.toVariant().toString().toStdString();
+        return comesToBe([&] { return valueOf(list, member); }, value);
     }
 
     /// The menu that is open on the screen.
@@ -132,13 +103,8 @@ protected:
     }
 
     /// From here on `focusChanges` tells what gets the keyboard.
-    void watchFocus() {
-        m_focusWatcher = client({QStringLiteral("focus")});
-        ASSERT_EQ(m_focusWatcher->waitForFirstLine(), "ready");
-    }
-    QStringList focusChanges() const {
-        return QString::fromUtf8(m_focusWatcher->standardOutput()).split(u'\n', Qt::SkipEmptyParts);
-    }
+    void watchFocus() { m_focusWatcher = assistiveWatcher(QStringLiteral("focus")); }
+    QStringList focusChanges() const { return linesOf(*m_focusWatcher); }
     /// Presses Tab until the element has the keyboard.
     testing::AssertionResult tabTo(const QString& name) {
         for (int i = 0; i < 60; ++i) {
@@ -159,9 +125,6 @@ protected:
         workspace.groups.append({QUuid::createUuid(), QStringLiteral("Calls"), true, true, false});
         return workspace.groups.last().id;
     }
-
-    /// What the program says on standard error until the end.
-    std::string m_expectedLog;
 
 private:
     std::unique_ptr<ChildProcess> m_focusWatcher;

@@ -13,38 +13,25 @@ NativeScreen screen(const QString& name, const QRect& frame, double scaleFactor)
 }  // namespace
 
 TEST(DesktopSpace, ConvertsPixelsAndPointsIntoEachOther) {
-    struct Row {
+    const NativeScreen plain = screen(u"A"_s, {0, 0, 1920, 1080}, 1);
+    const NativeScreen larger = screen(u"A"_s, {0, 0, 1920, 1080}, 1.5);
+    const NativeScreen twice = screen(u"A"_s, {0, 0, 1920, 1080}, 2);
+    const NativeScreen dense = screen(u"B"_s, {1920, 200, 2560, 1600}, 2);
+    const struct {
         const char* name;
         QList<NativeScreen> screens;
         QRect native;
         Rect global;
+    } cases[] = {
+        {"scale 1", {plain}, {10, 20, 200, 100}, {10, 960, 200, 100}},
+        {"scale 1.5", {larger}, {30, 60, 300, 150}, {20, 580, 200, 100}},
+        {"scale 2", {twice}, {10, 20, 200, 100}, {5, 480, 100, 50}},
+        {"beside the first", {plain, dense}, {2020, 300, 200, 100}, {1970, 780, 100, 50}},
+        {"left of the first", {dense, plain}, {0, 0, 1920, 1080}, {-1920, -80, 1920, 1080}},
+        {"the first inside the root", {dense, plain}, {1920, 1780, 20, 20}, {0, 0, 10, 10}},
+        {"no screen", {}, {100, 500, 20, 10}, {100, 90, 20, 10}},
     };
-    const NativeScreen plain = screen(u"A"_s, {0, 0, 1920, 1080}, 1);
-    const NativeScreen dense = screen(u"B"_s, {1920, 200, 2560, 1600}, 2);
-    for (const auto& [name, screens, native, global] : {
-             Row{"scale 1", {plain}, {10, 20, 200, 100}, {10, 960, 200, 100}},
-             Row{"scale 1.5",
-                 {screen(u"A"_s, {0, 0, 1920, 1080}, 1.5)},
-                 {30, 60, 300, 150},
-                 {20, 580, 200, 100}},
-             Row{"scale 2",
-                 {screen(u"A"_s, {0, 0, 1920, 1080}, 2)},
-                 {10, 20, 200, 100},
-                 {5, 480, 100, 50}},
-             Row{"beside the primary screen",
-                 {plain, dense},
-                 {2020, 300, 200, 100},
-                 {1970, 780, 100, 50}},
-             Row{"left of a primary screen in the middle of the root",
-                 {dense, plain},
-                 {0, 0, 1920, 1080},
-                 {-1920, -80, 1920, 1080}},
-             Row{"primary screen in the middle of the root",
-                 {dense, plain},
-                 {1920, 1780, 20, 20},
-                 {0, 0, 10, 10}},
-             Row{"no screen", {}, {100, 500, 20, 10}, {100, 90, 20, 10}},
-         }) {
+    for (const auto& [name, screens, native, global] : cases) {
         SCOPED_TRACE(name);
         const DesktopSpace space(screens, QSize(800, 600));
         EXPECT_EQ(space.toGlobal(native), global);

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <functional>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 /// The grey values of a part of the screen.
@@ -92,15 +94,9 @@ protected:
 
 TEST_F(Frosted, HidesPrintAndFollowsItWithAndWithoutACompositor) {
     start();
-    struct Row {
-        const char* name;
-        std::function<void()> change;
-    };
-    for (const auto& [name, change] : {
-             Row{"no compositor", [] {}},
-             Row{"compositor started", [&] { desktop.startCompositor(); }},
-             Row{"compositor stopped", [&] { desktop.stopCompositor(); }},
-         }) {
+    for (const auto& [name, change] :
+         {Step("no compositor", [] {}), Step("started", [&] { desktop.startCompositor(); }),
+          Step("stopped", [&] { desktop.stopCompositor(); })}) {
         SCOPED_TRACE(name);
         change();
         EXPECT_TRUE(blurs(127.5));
@@ -148,8 +144,8 @@ TEST_F(Frosted, NeverShowsWhatAMaskBelowHides) {
     EXPECT_TRUE(blurs(0));
     desktop.startCompositor();
     EXPECT_TRUE(blurs(0));
-    ASSERT_EQ(run({QStringLiteral("hide-masks")}).status, 0);
-    ASSERT_EQ(run({QStringLiteral("show-masks")}).status, 0);
+    ASSERT_EQ(run({u"hide-masks"_s}).status, 0);
+    ASSERT_EQ(run({u"show-masks"_s}).status, 0);
     EXPECT_TRUE(waitUntil([&] { return isEveryMaskShownOnce(); }));
     EXPECT_TRUE(blurs(0));
 }
@@ -157,11 +153,39 @@ TEST_F(Frosted, NeverShowsWhatAMaskBelowHides) {
 class FrostedOnAPoorServer : public Frosted {
 protected:
     FrostedOnAPoorServer()
-        : Frosted({.server = {.extraArguments = {QStringLiteral("-extension"),
-                                                 QStringLiteral("Composite")}}}) {}
+        : Frosted({.server = {.extraArguments = {u"-extension"_s, u"Composite"_s}}}) {}
 };
 
 TEST_F(FrostedOnAPoorServer, IsDense) {
     start();
     EXPECT_TRUE(blurs(0));
+}
+
+using Translucent = VeylaTest;
+
+TEST_F(Translucent, AMaskShowsWhatLiesBelowAndFollowsIt) {
+    const auto window = neighbour.open({.frame = {200, 200, 300, 200}, .color = Qt::white});
+    // Covers the left part of the window.
+    const QUuid mask = addMask({100, 450, 200, 100}, Qt::black);
+    workspace.masks.last().opacity = 0.5;
+    start();
+    const auto shows = [this](QPoint position, int red, int others) {
+        return waitUntil([&] {
+            const QColor seen = pixel(position);
+            return std::abs(seen.red() - red) <= 2 && std::abs(seen.green() - others) <= 2 &&
+                   std::abs(seen.blue() - others) <= 2;
+        });
+    };
+    EXPECT_TRUE(shows({250, 300}, 127, 127));
+    neighbour.setColor(window, Qt::red);
+    EXPECT_TRUE(shows({250, 300}, 127, 0)) << "its content changed";
+    neighbour.move(windowOf(mask)->id, {350, 250, 200, 100});
+    EXPECT_TRUE(shows({250, 300}, 255, 0));
+    EXPECT_TRUE(shows({450, 300}, 127, 0)) << "the mask moved";
+    neighbour.move(window, {700, 500, 300, 200});
+    EXPECT_TRUE(shows({450, 300}, 0, 0)) << "the window moved away";
+    neighbour.move(window, {200, 200, 300, 200});
+    EXPECT_TRUE(shows({450, 300}, 127, 0));
+    neighbour.unmap(window);
+    EXPECT_TRUE(shows({450, 300}, 0, 0));
 }

@@ -19,10 +19,7 @@ using Keycodes = std::vector<Keycode>;
 
 // As the server numbers them, whatever the layout.
 constexpr Keycode controlKey = 37, shiftKey = 50, altKey = 64, superKey = 133;
-constexpr Keycode capsLock = 66, numLock = 77, keyQ = 24, keyS = 39, keyH = 43, keyL = 46,
-                  keyN = 57;
-// Control, Mod1 and Mod4.
-constexpr std::uint16_t defaultMask = 4 + 8 + 64;
+constexpr Keycode capsLock = 66, numLock = 77, keyS = 39, keyH = 43, keyL = 46, keyN = 57;
 
 Keycodes keycodesOf(const HotkeyBinding& binding) {
     static const std::map<quint32, Keycode> keys{{45, keyN}, {4, keyH}, {37, keyL}, {1, keyS}};
@@ -62,7 +59,8 @@ private:
     X11Harness m_desktop;
 };
 
-INSTANTIATE_TYPED_TEST_SUITE_P(X11, HotKeyContract, X11HotKeyHarness);
+INSTANTIATE_TEST_SUITE_P(X11, HotKeyContract,
+                         testing::Values([] { return std::make_unique<X11HotKeyHarness>(); }));
 
 TEST(VirtualKeyCodes, NameTheSamePlaceBothWays) {
     std::set<Keycode> places;
@@ -72,17 +70,19 @@ TEST(VirtualKeyCodes, NameTheSamePlaceBothWays) {
         EXPECT_TRUE(places.insert(*keycode).second) << code;
         EXPECT_EQ(virtualKeyForKeycode(*keycode), code);
     }
-    // Letters and digits lie where the server's layout for Americans has them.
+    // Letters, digits and function keys lie where the server's layout for Americans has them.
     const XTestInput input;
     for (quint32 code = 0; code <= 126; ++code) {
         const QString name = HotkeyBinding::keyCodeToString(code);
-        if (name.size() != 1 || name.at(0).unicode() > 0x7e) continue;
-        EXPECT_EQ(keycodeForVirtualKey(code), input.keycodeFor(name.at(0).toLower().unicode()))
-            << code;
+        const bool isFunctionKey = name.size() > 1 && name.at(0) == u'F';
+        if ((name.size() != 1 && !isFunctionKey) || name.at(0).unicode() > 0x7e) continue;
+        const quint32 keysym =
+            isFunctionKey ? 0xffbd + name.mid(1).toUInt() : name.at(0).toLower().unicode();
+        EXPECT_EQ(keycodeForVirtualKey(code), input.keycodeFor(keysym)) << code;
     }
     const std::pair<quint32, quint32> others[] = {
-        {36, 0xff0d},  {51, 0xff08},  {53, 0xff1b},  {122, 0xffbe}, {111, 0xffc9}, {69, 0xffab},
-        {123, 0xff51}, {126, 0xff52}, {117, 0xffff}, {115, 0xff50}, {121, 0xff56}, {76, 0xff8d}};
+        {36, 0xff0d},  {51, 0xff08},  {53, 0xff1b},  {69, 0xffab},  {123, 0xff51},
+        {126, 0xff52}, {117, 0xffff}, {115, 0xff50}, {121, 0xff56}, {76, 0xff8d}};
     for (const auto& [code, keysym] : others)
         EXPECT_EQ(keycodeForVirtualKey(code), input.keycodeFor(keysym)) << code;
     EXPECT_EQ(keycodeForVirtualKey(55), std::nullopt);
@@ -202,16 +202,7 @@ protected:
         ASSERT_TRUE(waitUntil([&] { return registered().size() == 4; }));
         const xcb_window_t window = neighbour.open({.frame = {0, 0, 200, 200}});
         neighbour.requestActivation(window);
-        ASSERT_TRUE(waitUntil([&] {
-            const XcbPtr<xcb_get_input_focus_reply_t> reply(xcb_get_input_focus_reply(
-                probe.connection(), xcb_get_input_focus(probe.connection()), nullptr));
-            return reply->focus == window;
-        }));
-    }
-
-    void setLayout(const QStringList& arguments) {
-        ChildProcess command(u"setxkbmap"_s, arguments, desktop.environment());
-        ASSERT_EQ(command.waitForExit(defaultWait), 0) << command.standardError().constData();
+        ASSERT_TRUE(waitUntil([&] { return probe.focus() == window; }));
     }
 
     void pressDefault(Keycode key) { input.typeChord({controlKey, altKey, superKey, key}); }
@@ -294,13 +285,14 @@ TEST_F(HotKeys, WorkWithAnotherProgramFocusedWhateverTheKeyboardIsSetTo) {
         SCOPED_TRACE(name);
         if (!layout.isEmpty()) setLayout(layout);
         input.typeChord(locks);
-        const XcbPtr<xcb_query_pointer_reply_t> reply(xcb_query_pointer_reply(
-            probe.connection(), xcb_query_pointer(probe.connection(), probe.root()), nullptr));
-        ASSERT_EQ(reply->mask, state);
+        ASSERT_EQ(
+            probe
+                .reply(xcb_query_pointer_reply, xcb_query_pointer(probe.connection(), probe.root()))
+                ->mask,
+            state);
         expectAllWork();
         input.typeChord(locks);
     }
-    EXPECT_EQ(process->standardError().toStdString(), "");
 
     // Taken back at the end.
     EXPECT_EQ(quit(), 0);
@@ -317,8 +309,8 @@ TEST_F(HotKeys, FollowModifiersThatMove) {
     ASSERT_TRUE(neighbour.grabKey(keyN, 4 + 8 + 32));
     moveModifiers();
     EXPECT_TRUE(waitUntil([&] { return !process->standardError().isEmpty(); }));
-    EXPECT_EQ(process->standardError().toStdString(),
-              "Veyla cannot use the shortcut ⌃⌥⌘N (Ctrl+Alt+Super+N): another program holds it\n");
+    m_expectedLog =
+        "Veyla cannot use the shortcut ⌃⌥⌘N (Ctrl+Alt+Super+N): another program holds it\n";
     for (const Keycodes& locks : {Keycodes{}, {numLock}, {capsLock, numLock}}) {
         input.typeChord(locks);
         EXPECT_TRUE(turns("areMasksVisible"_L1, keyH)) << locks.size();
@@ -329,29 +321,6 @@ TEST_F(HotKeys, FollowModifiersThatMove) {
     pressDefault(keyN);
     EXPECT_TRUE(neighbourGot({keyN}));
     EXPECT_EQ(maskWindowCount(), 0);
-}
-
-TEST_F(HotKeys, OneThatAnotherProgramHoldsLeavesTheOthersAndThoseBoundAnew) {
-    auto& bindings = workspace.settings.hotkeyBindings;
-    bindings.clear();
-    bindings[u"createMask"_s] = {12, HotkeyBinding::controlModifier + HotkeyBinding::shiftModifier};
-    setLayout({u"fr"_s});
-    ASSERT_TRUE(neighbour.grabKey(keyH, defaultMask));
-    startBehindNeighbour();
-    EXPECT_EQ(registered(), (QList{true, false, true, true}));
-    EXPECT_EQ(process->standardError().toStdString(),
-              "Veyla cannot use the shortcut ⌃⌥⌘H (Ctrl+Alt+Super+H): another program holds it\n");
-    for (const Keycode key : {keyH, keyN}) {
-        neighbour.takeInput();
-        pressDefault(key);
-        EXPECT_TRUE(neighbourGot({key}));
-    }
-    // The place of Q, where this layout has A.
-    input.typeChord({controlKey, shiftKey, keyQ});
-    EXPECT_TRUE(waitUntil([&] { return maskWindowCount() == 1; }));
-    EXPECT_TRUE(turns("isEditingEnabled"_L1, keyL));
-    EXPECT_TRUE(isOn("areMasksVisible"_L1));
-    EXPECT_FALSE(neighbourGot({keyQ, keyL}));
 }
 
 }  // namespace

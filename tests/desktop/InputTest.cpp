@@ -16,13 +16,11 @@ TEST_F(PassThrough, ClicksReachWhatIsBelowExactlyWhenTheyShould) {
         EXPECT_LE(events.size(), 1);
         return !events.isEmpty() && events.first().window == below;
     };
-    struct Row {
-        const char* command;
-        bool isOrdinaryPassed;
-    };
-    for (const auto& [command, isOrdinaryPassed] :
-         {Row{"status", false}, Row{"toggle-editing", true}, Row{"toggle-editing", false},
-          Row{"hide-masks", true}, Row{"show-masks", false}}) {
+    for (const auto& [command, isOrdinaryPassed] : {std::pair("status", false),
+                                                    {"toggle-editing", true},
+                                                    {"toggle-editing", false},
+                                                    {"hide-masks", true},
+                                                    {"show-masks", false}}) {
         SCOPED_TRACE(command);
         const xcb_window_t window = windowOf(ordinary)->id;
         ASSERT_EQ(run({QString::fromLatin1(command)}).status, 0);
@@ -39,15 +37,10 @@ TEST_F(PassThrough, ClicksReachWhatIsBelowExactlyWhenTheyShould) {
 TEST_F(PassThrough, MasksNeverTakeTheFocus) {
     const xcb_window_t window = neighbour.open({.frame = {0, 0, 400, 400}});
     neighbour.requestActivation(window);
-    const auto focus = [&] {
-        const XcbPtr<xcb_get_input_focus_reply_t> reply(xcb_get_input_focus_reply(
-            probe.connection(), xcb_get_input_focus(probe.connection()), nullptr));
-        return reply->focus;
-    };
-    ASSERT_TRUE(waitUntil([&] { return focus() == window; }));
+    ASSERT_TRUE(waitUntil([&] { return probe.focus() == window; }));
     const QUuid mask = addMask({100, 500, 200, 100});
     start();
     input.click(middleOf(mask));
     EXPECT_TRUE(waitUntil([&] { return !status().value("selectedMaskID"_L1).isNull(); }));
-    EXPECT_EQ(focus(), window);
+    EXPECT_EQ(probe.focus(), window);
 }

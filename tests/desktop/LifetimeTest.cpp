@@ -60,13 +60,3 @@ TEST_F(Lifetime, EverySignalToEndAndQuitLeaveNothing) {
         EXPECT_TRUE(waitUntil([&] { return maskWindowCount() == 0; }));
     }
 }
-
-TEST_F(Lifetime, WorksWithoutASessionBus) {
-    environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path=/nonexistent/bus"_s);
-    start();
-    input.drag(middleOf(m_mask), middleOf(m_mask) + QPoint(40, 30));
-    EXPECT_TRUE(comesTo(m_mask, {140, 230, 200, 100}));
-    EXPECT_TRUE(waitUntil([&] { return document().masks.first().frame.x == 140; }));
-    process->sendSignal(SIGTERM);
-    EXPECT_EQ(process->waitForExit(defaultWait), 0);
-}

@@ -21,16 +21,10 @@ TEST_F(Monitors, APanelKeepsMasksOffOnItsOwnMonitorOnly) {
     // The dock of the right monitor reserves everything from the left edge of the root on.
     neighbour.openDock({0, 750, 640, 50}, NeighbourClient::Edge::bottom);
     const xcb_window_t inner = neighbour.openDock({640, 0, 40, 800}, NeighbourClient::Edge::left);
-    struct Row {
-        QUuid mask;
-        QPoint delta;
-        QRect rect;
-    };
-    for (const auto& [mask, delta, rect] : {
-             Row{onLeft, {0, 300}, {200, 650, 200, 100}},
-             Row{onLeft, {-300, -20}, {0, 630, 200, 100}},
-             Row{onRight, {-220, 300}, {680, 700, 200, 100}},
-         }) {
+    const std::tuple<QUuid, QPoint, QRect> drags[] = {{onLeft, {0, 300}, {200, 650, 200, 100}},
+                                                      {onLeft, {-300, -20}, {0, 630, 200, 100}},
+                                                      {onRight, {-220, 300}, {680, 700, 200, 100}}};
+    for (const auto& [mask, delta, rect] : drags) {
         const QPoint from = middleOf(mask);
         input.drag(from, from + delta);
         EXPECT_TRUE(comesTo(mask, rect));

@@ -1,5 +1,6 @@
 #include "Platform/Qt/InstanceLock.h"
 #include "Platform/Qt/RemoteControlService.h"
+#include "support/Files.h"
 #include "support/RecordingSystemLog.h"
 #include "support/desktop/ChildProcess.h"
 #include "support/desktop/DBusSession.h"
@@ -14,26 +15,19 @@
 #include <QRegularExpression>
 #include <csignal>
 #include <gtest/gtest.h>
-#include <initializer_list>
 #include <memory>
 #include <optional>
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace {
-
-struct Ended {
-    std::optional<int> status;
-    QByteArray output;
-    QByteArray error;
-
-    bool operator==(const Ended&) const = default;
-};
+using Ended = ChildProcess::Outcome;
 
 void PrintTo(const Ended& ended, std::ostream* out) {
     *out << "status " << ended.status.value_or(-999) << "\noutput: " << ended.output.constData()
          << "\nerror: " << ended.error.constData();
 }
+
+namespace {
 
 // Programs in a home of their own, on the display of the tests.
 class RemoteControlTest : public testing::Test {
@@ -58,12 +52,7 @@ protected:
         return veyla;
     }
 
-    static Ended waitFor(ChildProcess& process) {
-        const auto status = process.waitForExit(defaultWait);
-        return {status, process.standardOutput(), process.standardError()};
-    }
-
-    Ended run(const QStringList& arguments) { return waitFor(*start(arguments)); }
+    Ended run(const QStringList& arguments) { return start(arguments)->waitForOutcome(); }
 
     InstanceLock lock() const { return InstanceLock(home.runtimeFolder()); }
 
@@ -139,12 +128,6 @@ TEST_F(RemoteControlTest, TheRunningProgramDoesWhatLaterOnesAsk) {
     EXPECT_EQ(hidden[u"masks"].toArray().size(), 1);
     EXPECT_FALSE(hidden[u"areMasksVisible"].toBool(true));
 
-    EXPECT_EQ(run({u"apply-preset"_s, u"--"_s, u"-Büro"_s}),
-              (Ended{1, {}, "No preset is named \"-Büro\".\n"}));
-    for (const bool isVisible : {true, false}) {
-        EXPECT_EQ(run({u"toggle-dashboard"_s}), (Ended{0, {}, {}}));
-        EXPECT_EQ(status()[u"dashboardVisible"].toBool(!isVisible), isVisible);
-    }
     const QByteArray already = u"Veyla is already running (pid %1).\n"_s.arg(veyla->pid()).toUtf8();
     EXPECT_EQ(run({}), (Ended{0, already, {}}));
     EXPECT_EQ(run({u"--background"_s}), (Ended{0, already, {}}));
@@ -157,26 +140,16 @@ TEST_F(RemoteControlTest, AfterQuitItCanBeStartedAgainAtOnce) {
         const auto veyla = startVeyla();
         EXPECT_EQ(run({u"quit"_s}), (Ended{0, {}, {}}));
         EXPECT_FALSE(lock().isHeldByAnother());
-        EXPECT_EQ(waitFor(*veyla), (Ended{0, {}, {}}));
+        EXPECT_EQ(veyla->waitForOutcome(), (Ended{0, {}, {}}));
     }
     EXPECT_EQ(run({u"quit"_s}), notRunning);
-}
-
-TEST_F(RemoteControlTest, SignalsEndItInOrder) {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        SCOPED_TRACE(signal);
-        const auto veyla = startVeyla();
-        EXPECT_EQ(status()[u"masks"].toArray().size(), 0);
-        veyla->sendSignal(signal);
-        EXPECT_EQ(waitFor(*veyla), (Ended{0, {}, {}}));
-    }
 }
 
 TEST_F(RemoteControlTest, WhatAKilledProgramLeavesIsNotTakenForARunningOne) {
     const auto killed = startVeyla();
     status();
     killed->sendSignal(SIGKILL);
-    EXPECT_EQ(waitFor(*killed).status, -SIGKILL);
+    EXPECT_EQ(killed->waitForOutcome().status, -SIGKILL);
     EXPECT_EQ(run({u"status"_s}), notRunning);
     const auto next = startVeyla();
     EXPECT_EQ(status()[u"pid"].toInteger(), next->pid());
@@ -193,7 +166,7 @@ TEST_F(RemoteControlTest, ARunningProgramThatNoBusReachesKeepsTheWorkspace) {
     EXPECT_EQ(run({u"--background"_s}).status, 0);
     EXPECT_TRUE(waitUntil([&] { return !veyla->standardError().isEmpty(); }));
     veyla->sendSignal(SIGTERM);
-    const Ended ended = waitFor(*veyla);
+    const Ended ended = veyla->waitForOutcome();
     EXPECT_EQ(ended.status, 0);
     EXPECT_TRUE(ended.error.startsWith("Veyla found no session bus")) << ended.error.constData();
     EXPECT_EQ(ended.error.count('\n'), 1) << ended.error.constData();
@@ -208,7 +181,7 @@ TEST_F(RemoteControlTest, ASignalThatWasIgnoredAtTheStartStaysIgnored) {
     veyla.sendSignal(SIGHUP);
     EXPECT_EQ(status()[u"pid"].toInteger(), veyla.pid());
     veyla.sendSignal(SIGTERM);
-    EXPECT_EQ(waitFor(veyla).status, 0);
+    EXPECT_EQ(veyla.waitForOutcome().status, 0);
 }
 
 // The running program's end of the bus is in this process.
@@ -243,7 +216,7 @@ TEST_F(RemoteControlServiceTest, AProgramThatIsJustStartingIsWaitedFor) {
     const auto client = start({u"apply-preset"_s, u"--"_s, u"-Büro 演示 🎥"_s});
     ASSERT_TRUE(waitUntil([&] { return busClients() > before; }));
     service.start(perform);
-    EXPECT_EQ(waitFor(*client), (Ended{1, "éí\nout\n", "why\n"}));
+    EXPECT_EQ(client->waitForOutcome(), (Ended{1, "éí\nout\n", "why\n"}));
     EXPECT_EQ(received, (QStringList{u"apply-preset"_s, u"--"_s, u"-Büro 演示 🎥"_s}));
     EXPECT_EQ(log.lines, QStringList());
 }
@@ -296,15 +269,12 @@ TEST(InstanceLockTest, WhatIsInTheFileDoesNotMatter) {
          {QByteArray(), QByteArray("1\n"), QByteArray("junk"),
           QByteArray::number(QCoreApplication::applicationPid()) + "\nand more\n"}) {
         const TemporaryHome home;
-        QFile file(home.runtimeFolder() + u"/app.veyla.Veyla.lock"_s);
-        ASSERT_TRUE(file.open(QFile::ReadWrite));
-        file.write(content);
-        file.flush();
+        const QString path = home.runtimeFolder() + u"/app.veyla.Veyla.lock"_s;
+        writeFile(path, content);
         InstanceLock lock(home.runtimeFolder());
         EXPECT_FALSE(lock.isHeldByAnother());
         EXPECT_EQ(lock.take(), InstanceLock::Outcome::taken);
-        EXPECT_TRUE(file.seek(0));
-        EXPECT_EQ(file.readAll(), QByteArray::number(QCoreApplication::applicationPid()) + '\n');
+        EXPECT_EQ(readFile(path), QByteArray::number(QCoreApplication::applicationPid()) + '\n');
     }
 }
 

@@ -56,13 +56,12 @@ TEST_F(Scale, EachMonitorHasItsOwn) {
     const QPoint from(450, 130);
     input.movePointer(from);
     input.press();
-    struct Row {
-        int pointerX;
-        QRect rect;
-    };
-    for (const auto& [x, rect] : {Row{500, {450, 100, 100, 60}}, Row{800, {700, 70, 200, 120}},
-                                  Row{1100, {1000, 70, 200, 120}}, Row{500, {450, 100, 100, 60}},
-                                  Row{900, {800, 70, 200, 120}}}) {
+    const std::pair<int, QRect> steps[] = {{500, {450, 100, 100, 60}},
+                                           {800, {700, 70, 200, 120}},
+                                           {1100, {1000, 70, 200, 120}},
+                                           {500, {450, 100, 100, 60}},
+                                           {900, {800, 70, 200, 120}}};
+    for (const auto& [x, rect] : steps) {
         input.movePointer({x, from.y()});
         EXPECT_TRUE(comesTo(crossing, rect)) << x;
         EXPECT_TRUE(becomesPainted(crossing));

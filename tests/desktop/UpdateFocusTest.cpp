@@ -4,11 +4,12 @@
 #include "support/desktop/XTestInput.h"
 
 #include <QApplication>
-#include <QDialog>
 #include <QWindow>
 #include <X11/keysym.h>
 #include <algorithm>
 #include <gtest/gtest.h>
+
+using namespace Qt::Literals::StringLiterals;
 
 // Under a real window manager, which decides who has the keyboard.
 TEST(UpdateFocus, AnOfferThatNobodyWaitsForLeavesTheKeyboardAlone) {
@@ -27,8 +28,7 @@ TEST(UpdateFocus, AnOfferThatNobodyWaitsForLeavesTheKeyboardAlone) {
     QtUpdateDialogs dialogs;
     int answers = 0;
     const auto show = [&](bool isExpected) {
-        dialogs.showOffer({QStringLiteral("1.2"), QStringLiteral("1.0"), {}}, isExpected,
-                          [&](UpdateChoice) { ++answers; });
+        dialogs.showOffer({u"1.2"_s, u"1.0"_s, {}}, isExpected, [&](UpdateChoice) { ++answers; });
     };
     // Windows of other tests may still be about to go.
     const auto isShown = [] {

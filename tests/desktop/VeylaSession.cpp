@@ -1,9 +1,8 @@
 #include "desktop/VeylaSession.h"
 
+#include "support/Files.h"
 #include "support/desktop/Wait.h"
 
-#include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <algorithm>
@@ -35,12 +34,7 @@ QUuid VeylaSession::addMask(const Rect& frame, const QColor& color) {
 }
 
 void VeylaSession::start() {
-    QDir().mkpath(QFileInfo(documentPath()).path());
-    QFile file(documentPath());
-    const QByteArray text = workspace.toJsonText();
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
-        throw std::runtime_error("the workspace cannot be written");
-    file.close();
+    writeFile(documentPath(), workspace.toJsonText());
     restart();
 }
 
@@ -54,11 +48,11 @@ void VeylaSession::restart() {
     });
 }
 
-VeylaSession::Outcome VeylaSession::run(const QStringList& arguments) {
+ChildProcess::Outcome VeylaSession::run(const QStringList& arguments) {
     ChildProcess command(QStringLiteral(VEYLA_PROGRAM), arguments, environment);
-    const auto status = command.waitForExit(defaultWait);
-    if (!status) throw std::runtime_error("a veyla command does not end");
-    return {*status, command.standardOutput(), command.standardError()};
+    auto outcome = command.waitForOutcome();
+    if (!outcome.status) throw std::runtime_error("a veyla command does not end");
+    return outcome;
 }
 
 QJsonObject VeylaSession::status() {
@@ -81,9 +75,7 @@ QString VeylaSession::documentPath() {
 }
 
 WorkspaceSnapshot VeylaSession::document() {
-    QFile file(documentPath());
-    if (!file.open(QIODevice::ReadOnly)) throw std::runtime_error("there is no workspace");
-    return WorkspaceSnapshot::fromJsonText(file.readAll());
+    return WorkspaceSnapshot::fromJsonText(readFile(documentPath()));
 }
 
 std::optional<XWindow> VeylaSession::windowOf(const QUuid& mask) const {

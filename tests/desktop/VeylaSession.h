@@ -17,12 +17,6 @@
 /// space.
 class VeylaSession {
 public:
-    struct Outcome {
-        int status = 0;
-        QByteArray output;
-        QByteArray error;
-    };
-
     explicit VeylaSession(const DesktopSession::Options& options = {});
 
     /// Adds an opaque mask to the workspace that `start` writes.
@@ -35,7 +29,7 @@ public:
     void restart();
 
     /// Runs `veyla` with these arguments. Throws std::runtime_error when it does not end.
-    Outcome run(const QStringList& arguments);
+    ChildProcess::Outcome run(const QStringList& arguments);
 
     QJsonObject status();
     /// Where the model has a mask, as `status` tells.

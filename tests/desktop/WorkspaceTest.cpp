@@ -1,4 +1,4 @@
-#include "support/desktop/Wait.h"
+#include "desktop/ComesToBe.h"
 #include "support/desktop/X11WorkspaceHarness.h"
 
 #include <QTemporaryDir>
@@ -27,27 +27,19 @@ protected:
     }
 
     testing::AssertionResult identifiersBecome(const QStringList& expected) {
-        QStringList seen;
-        if (waitUntil([&] {
-                seen.clear();
-                for (const auto& each : workspace().runningApplications())
-                    seen << each.bundleIdentifier.value_or(u"absent"_s);
-                return seen == expected;
-            }))
-            return testing::AssertionSuccess();
-        return testing::AssertionFailure() << seen.join(u' ').toStdString();
+        const auto identifiers = [this] {
+            QStringList all;
+            for (const auto& each : workspace().runningApplications())
+                all << each.bundleIdentifier.value_or(u"absent"_s);
+            return all;
+        };
+        return comesToBe(identifiers, expected);
     }
 
     bool becomesFrontmost(const QString& name) {
         return waitUntil([&] {
             return workspace().frontmostApplication() == RunningApplication{name, name};
         });
-    }
-
-    xcb_window_t activeWindow() {
-        const NeighbourClient& pager = m_harness.pager();
-        const auto active = pager.numbersOf(pager.root(), u"_NET_ACTIVE_WINDOW"_s);
-        return active.empty() ? XCB_NONE : active.front();
     }
 
     void claimActive(xcb_window_t window) {
@@ -109,7 +101,7 @@ TEST_P(WorkspaceTest, AMomentWithoutAnActiveWindowIsNoActivation) {
         workspace().onApplicationActivated([&](const auto&) { ++activated; });
     for (const xcb_window_t window : editor.windows()) {
         m_harness.pager().requestActivation(window);
-        ASSERT_TRUE(waitUntil([&] { return activeWindow() == window; }));
+        ASSERT_TRUE(waitUntil([&] { return m_harness.pager().activeWindow() == window; }));
     }
     // No window, and a window that nobody has. The manager may still be at its own last word.
     for (const xcb_window_t nothing : {xcb_window_t{XCB_NONE}, xcb_window_t{1}}) {

@@ -1,10 +1,13 @@
 #include "contract/DesktopContract.h"
+#include "contract/WorkspaceContract.h"
 #include "support/desktop/Wait.h"
 #include "support/desktop/X11Harness.h"
 #include "support/desktop/X11WorkspaceHarness.h"
 
-INSTANTIATE_TYPED_TEST_SUITE_P(X11, DesktopContract, X11Harness);
-INSTANTIATE_TYPED_TEST_SUITE_P(X11, WorkspaceContract, X11WorkspaceHarness);
+INSTANTIATE_TEST_SUITE_P(X11, DesktopContract,
+                         testing::Values([] { return std::make_unique<X11Harness>(); }));
+INSTANTIATE_TEST_SUITE_P(X11, WorkspaceContract,
+                         testing::Values([] { return std::make_unique<X11WorkspaceHarness>(); }));
 
 TEST(X11PointerPresses, AreToldUntilEitherSideIsGone) {
     X11Harness harness;

@@ -2,14 +2,11 @@
 
 #include "Platform/Headless/HeadlessMainLoop.h"
 #include "Platform/Qt/QtUrlLoader.h"
+#include "support/Printing.h"
 #include "support/desktop/HttpServer.h"
 #include "support/desktop/Wait.h"
 
 #include <gtest/gtest.h>
-
-inline void PrintTo(const QString& text, std::ostream* stream) {
-    *stream << '"' << text.toStdString() << '"';
-}
 
 /// A server and a loader, with the loader's time on a virtual clock.
 class LoaderTest : public testing::Test {

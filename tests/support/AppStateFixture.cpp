@@ -1,13 +1,13 @@
 #include "support/AppStateFixture.h"
 
+#include "support/Files.h"
 #include "support/HeadlessPlatform.h"
 
-#include <QFile>
+using namespace Qt::Literals::StringLiterals;
 
 AppStateFixture::AppStateFixture() {
-    desktop().screens.setScreens(
-        {{QStringLiteral("A"), {0, 0, 1280, 800}, {0, 0, 1280, 770}, 1},
-         {QStringLiteral("B"), {1280, 0, 1000, 600}, {1280, 0, 1000, 600}, 1}});
+    desktop().screens.setScreens({{u"A"_s, {0, 0, 1280, 800}, {0, 0, 1280, 770}, 1},
+                                  {u"B"_s, {1280, 0, 1000, 600}, {1280, 0, 1000, 600}, 1}});
     desktop().screens.setPointerLocation({640, 400});
     restart();
 }
@@ -15,7 +15,7 @@ AppStateFixture::AppStateFixture() {
 void AppStateFixture::restart() {
     m_state.reset();
     m_state = std::make_unique<AppState>(
-        headlessPlatform(desktop(), m_log, m_folder.filePath(QStringLiteral("Veyla"))));
+        headlessPlatform(desktop(), m_log, m_folder.filePath(u"Veyla"_s)));
 }
 
 HeadlessSurface& AppStateFixture::surface(qsizetype index) {
@@ -27,12 +27,11 @@ void AppStateFixture::advance(int milliseconds) {
 }
 
 QString AppStateFixture::workspacePath() const {
-    return m_folder.filePath(QStringLiteral("Veyla/workspace.json"));
+    return m_folder.filePath(u"Veyla/workspace.json"_s);
 }
 
 QByteArray AppStateFixture::workspaceText() const {
-    QFile file(workspacePath());
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return readFile(workspacePath());
 }
 
 QUuid AppStateFixture::addMask(const QString& name, const Rect& frame) {

@@ -1,9 +1,9 @@
 #include "support/AppStateFixture.h"
+#include "support/Files.h"
 
-#include <QDir>
-#include <QFile>
-#include <QJsonDocument>
 #include <limits>
+
+using namespace Qt::Literals::StringLiterals;
 
 class AppStateTest : public AppStateFixture {};
 
@@ -22,17 +22,17 @@ TEST_F(AppStateTest, CreatesMasksAtThePointerInsideItsScreen) {
         state().createMask();
         ++number;
         EXPECT_EQ(masks().last().frame, frame);
-        EXPECT_EQ(masks().last().name, QStringLiteral("Mask %1").arg(number));
+        EXPECT_EQ(masks().last().name, u"Mask %1"_s.arg(number));
         EXPECT_EQ(state().selectedMaskID.value(), masks().last().id);
-        EXPECT_EQ(lastAnnouncement(), QStringLiteral("Created Mask %1").arg(number));
+        EXPECT_EQ(lastAnnouncement(), u"Created Mask %1"_s.arg(number));
     }
     EXPECT_EQ(desktop().announcer.lastPriority(), 90);
     EXPECT_EQ(masks().first().opacity, 0.86);
-    EXPECT_EQ(masks().first().colorHex, QStringLiteral("#101114"));
+    EXPECT_EQ(masks().first().colorHex, u"#101114"_s);
     EXPECT_EQ(state().activeOverlayCount.value(), number);
 
     // On a visible area smaller than a new mask the right and top edges meet; the sync shrinks it.
-    desktop().screens.setScreens({{QStringLiteral("A"), {0, 0, 200, 100}, {0, 0, 200, 100}, 1}});
+    desktop().screens.setScreens({{u"A"_s, {0, 0, 200, 100}, {0, 0, 200, 100}, 1}});
     desktop().screens.setPointerLocation({100, 50});
     QList<MaskFrame> announced;
     const Subscription subscription = state().masks.subscribe(
@@ -49,54 +49,54 @@ TEST_F(AppStateTest, CreatesMasksAtThePointerInsideItsScreen) {
 TEST_F(AppStateTest, ANewMaskTakesTheUsersDefaults) {
     state().settings.update([](AppSettings& settings) {
         settings.defaultOpacity = 0.5;
-        settings.defaultColorHex = QStringLiteral("#FF0000");
+        settings.defaultColorHex = u"#FF0000"_s;
         settings.defaultStyle = ScreenMask::Style::frosted;
         settings.defaultClickThrough = true;
     });
     state().createMask();
     const ScreenMask& mask = masks().last();
     EXPECT_EQ(mask.opacity, 0.5);
-    EXPECT_EQ(mask.colorHex, QStringLiteral("#FF0000"));
+    EXPECT_EQ(mask.colorHex, u"#FF0000"_s);
     EXPECT_EQ(mask.style, ScreenMask::Style::frosted);
     EXPECT_TRUE(mask.isClickThrough);
     EXPECT_TRUE(surface(0).ignoresMouseEvents());
 }
 
 TEST_F(AppStateTest, DuplicatesDeletesAndRenames) {
-    const QUuid first = addMask(QStringLiteral("One"), {100, 100, 200, 100});
+    const QUuid first = addMask(u"One"_s, {100, 100, 200, 100});
     state().masks.update([](QList<ScreenMask>& all) {
         all[0].groupID = QUuid::createUuid();
         all[0].isClickThrough = true;
-        all[0].colorHex = QStringLiteral("junk");
+        all[0].colorHex = u"junk"_s;
     });
     state().duplicateSelectedMask();
     EXPECT_EQ(masks().size(), 1) << "nothing is selected";
 
     state().selectMask(first);
-    EXPECT_EQ(lastAnnouncement(), QStringLiteral("Selected One"));
+    EXPECT_EQ(lastAnnouncement(), u"Selected One"_s);
     state().duplicateSelectedMask();
     state().duplicateSelectedMask();
     ASSERT_EQ(masks().size(), 3);
-    EXPECT_EQ(masks()[2].name, QStringLiteral("One Copy Copy"));
+    EXPECT_EQ(masks()[2].name, u"One Copy Copy"_s);
     EXPECT_EQ(masks()[1].frame, (MaskFrame{124, 76, 200, 100}));
     EXPECT_FALSE(masks()[1].groupID.has_value());
     EXPECT_TRUE(masks()[1].isClickThrough);
-    EXPECT_EQ(masks()[1].colorHex, QStringLiteral("junk"));
+    EXPECT_EQ(masks()[1].colorHex, u"junk"_s);
     EXPECT_EQ(state().selectedMaskID.value(), masks()[2].id);
-    EXPECT_EQ(lastAnnouncement(), QStringLiteral("Duplicated as One Copy Copy"));
+    EXPECT_EQ(lastAnnouncement(), u"Duplicated as One Copy Copy"_s);
 
-    state().setMaskName(first, QStringLiteral("  \n Secret \t"));
-    state().setMaskName(first, QStringLiteral(" \n "));
-    EXPECT_EQ(masks()[0].name, QStringLiteral("Secret"));
+    state().setMaskName(first, u"  \n Secret \t"_s);
+    state().setMaskName(first, u" \n "_s);
+    EXPECT_EQ(masks()[0].name, u"Secret"_s);
 
     state().deleteSelectedMask();
-    EXPECT_EQ(lastAnnouncement(), QStringLiteral("Deleted One Copy Copy"));
+    EXPECT_EQ(lastAnnouncement(), u"Deleted One Copy Copy"_s);
     EXPECT_EQ(state().selectedMaskID.value(), first);
     state().selectMask(QUuid::createUuid());
-    EXPECT_EQ(lastAnnouncement(), QStringLiteral("Deleted One Copy Copy"))
+    EXPECT_EQ(lastAnnouncement(), u"Deleted One Copy Copy"_s)
         << "an unknown mask is selected in silence";
     state().deleteSelectedMask();
-    EXPECT_EQ(lastAnnouncement(), QStringLiteral("Deleted Mask"));
+    EXPECT_EQ(lastAnnouncement(), u"Deleted Mask"_s);
     EXPECT_EQ(masks().size(), 2);
     state().deleteSelectedMask();
     state().deleteSelectedMask();
@@ -114,40 +114,40 @@ TEST_F(AppStateTest, DuplicatesDeletesAndRenames) {
 }
 
 TEST_F(AppStateTest, TogglesAreAnnouncedAndReachTheOverlays) {
-    addMask(QStringLiteral("One"), {100, 100, 200, 100});
-    addMask(QStringLiteral("Two"), {300, 300, 200, 100});
+    addMask(u"One"_s, {100, 100, 200, 100});
+    addMask(u"Two"_s, {300, 300, 200, 100});
     state().selectMask(masks()[0].id);
     state().toggleSelectedMaskVisibility();
-    EXPECT_EQ(lastAnnouncement(), QStringLiteral("One hidden"));
+    EXPECT_EQ(lastAnnouncement(), u"One hidden"_s);
     EXPECT_EQ(state().activeOverlayCount.value(), 1);
     state().toggleVisibilityForAllMasks();
-    EXPECT_EQ(lastAnnouncement(), QStringLiteral("All masks hidden"));
+    EXPECT_EQ(lastAnnouncement(), u"All masks hidden"_s);
     EXPECT_EQ(state().activeOverlayCount.value(), 0);
     EXPECT_TRUE(m_harness.stack().empty());
     state().toggleSelectedMaskVisibility();
-    EXPECT_EQ(lastAnnouncement(), QStringLiteral("One shown"));
+    EXPECT_EQ(lastAnnouncement(), u"One shown"_s);
     EXPECT_TRUE(m_harness.stack().empty()) << "the master switch still hides it";
     state().toggleVisibilityForAllMasks();
-    EXPECT_EQ(lastAnnouncement(), QStringLiteral("All masks shown"));
+    EXPECT_EQ(lastAnnouncement(), u"All masks shown"_s);
     EXPECT_EQ(m_harness.stack(), (std::vector<QUuid>{masks()[0].id, masks()[1].id}));
     state().selectMask(masks()[0].id);
     EXPECT_EQ(m_harness.stack().back(), masks()[0].id) << "a selected mask comes to the front";
 
     state().toggleEditing();
-    EXPECT_EQ(lastAnnouncement(), QStringLiteral("Editing locked"));
+    EXPECT_EQ(lastAnnouncement(), u"Editing locked"_s);
     EXPECT_TRUE(surface(0).ignoresMouseEvents() && surface(1).ignoresMouseEvents());
     state().toggleEditing();
-    EXPECT_EQ(lastAnnouncement(), QStringLiteral("Editing unlocked"));
+    EXPECT_EQ(lastAnnouncement(), u"Editing unlocked"_s);
     EXPECT_FALSE(surface(0).ignoresMouseEvents());
 }
 
 TEST_F(AppStateTest, SettersStoreValuesAsGivenAndIgnoreUnknownMasks) {
-    const QUuid id = addMask(QStringLiteral("One"), {100, 100, 200, 100});
+    const QUuid id = addMask(u"One"_s, {100, 100, 200, 100});
     const QList<ScreenMask> before = masks();
     for (const QUuid& target : {QUuid::createUuid(), id}) {
         state().setOpacity(target, 7.5);
         state().setStyle(target, ScreenMask::Style::softTint);
-        state().setColorHex(target, QStringLiteral("nonsense"));
+        state().setColorHex(target, u"nonsense"_s);
         state().setClickThrough(target, true);
         state().setVisibility(target, false);
         state().updateMaskFrame(target, {10, 20, 300, 200});
@@ -158,7 +158,7 @@ TEST_F(AppStateTest, SettersStoreValuesAsGivenAndIgnoreUnknownMasks) {
     const ScreenMask& mask = masks().first();
     EXPECT_EQ(mask.opacity, 7.5);
     EXPECT_EQ(mask.style, ScreenMask::Style::softTint);
-    EXPECT_EQ(mask.colorHex, QStringLiteral("nonsense"));
+    EXPECT_EQ(mask.colorHex, u"nonsense"_s);
     EXPECT_TRUE(mask.isClickThrough);
     EXPECT_FALSE(mask.isVisible);
     EXPECT_EQ(mask.frame, (MaskFrame{10, 20, 300, 200}));
@@ -197,7 +197,7 @@ TEST_F(AppStateTest, SavesOnceAfterABurstOfChanges) {
     // A change to any part of the workspace alone is saved.
     const std::function<void()> changes[] = {
         [&] {
-            state().groups.set({{QUuid::createUuid(), QStringLiteral("G")}});
+            state().groups.set({{QUuid::createUuid(), u"G"_s}});
         },
         [&] { state().presets.set({MaskPreset()}); },
         [&] { state().hasCompletedOnboarding.set(true); },
@@ -216,7 +216,7 @@ TEST_F(AppStateTest, SavesOnceAfterABurstOfChanges) {
     // What is not part of it is not.
     ASSERT_TRUE(QFile::remove(workspacePath()));
     state().isHelpPresented.set(true);
-    state().presetDraftName.set(QStringLiteral("x"));
+    state().presetDraftName.set(u"x"_s);
     advance(1000);
     EXPECT_FALSE(QFile::exists(workspacePath()));
 }
@@ -226,7 +226,7 @@ TEST_F(AppStateTest, FindsEverythingAgainAfterARestart) {
     state().createMask();
     state().toggleEditing();
     state().toggleVisibilityForAllMasks();
-    state().groups.set({{QUuid::createUuid(), QStringLiteral("Group")}});
+    state().groups.set({{QUuid::createUuid(), u"Group"_s}});
     const auto savedMasks = masks();
     const auto savedSelection = state().selectedMaskID.value();
     advance(250);
@@ -244,9 +244,7 @@ TEST_F(AppStateTest, FindsEverythingAgainAfterARestart) {
 
 TEST_F(AppStateTest, RunsOnWhenTheWorkspaceCannotBeReadOrWritten) {
     advance(250);
-    QFile file(workspacePath());
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("{ broken") > 0);
-    file.close();
+    writeFile(workspacePath(), "{ broken");
     restart();
     EXPECT_EQ(m_log.lines.size(), 1);
     EXPECT_TRUE(masks().isEmpty());
@@ -262,7 +260,7 @@ TEST_F(AppStateTest, RunsOnWhenTheWorkspaceCannotBeReadOrWritten) {
     state().setOpacity(masks()[0].id, std::numeric_limits<double>::infinity());
     advance(250);
     EXPECT_EQ(m_log.lines.size(), 2);
-    EXPECT_TRUE(m_log.lines.last().startsWith(QStringLiteral("Veyla failed to save workspace: ")));
+    EXPECT_TRUE(m_log.lines.last().startsWith(u"Veyla failed to save workspace: "_s));
     EXPECT_EQ(workspaceText(), good);
     state().setOpacity(masks()[0].id, 1);
     advance(250);
@@ -273,7 +271,7 @@ TEST_F(AppStateTest, DiesQuietlyWithWorkStillQueued) {
     state().createMask();
     HeadlessSurface& surfaceBefore = surface(0);
     EXPECT_TRUE(surfaceBefore.isShown());
-    desktop().screens.setScreens({{QStringLiteral("A"), {0, 0, 640, 480}, {0, 0, 640, 480}, 1}});
+    desktop().screens.setScreens({{u"A"_s, {0, 0, 640, 480}, {0, 0, 640, 480}, 1}});
     m_state.reset();
     advance(1000);
     EXPECT_TRUE(desktop().overlaySurfaces.allSurfaces().empty());

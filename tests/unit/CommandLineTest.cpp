@@ -1,18 +1,8 @@
 #include "App/CommandLine.h"
 
 #include <gtest/gtest.h>
-#include <ostream>
 
 using namespace Qt::Literals::StringLiterals;
-
-void PrintTo(const CommandLine& line, std::ostream* out) {
-    *out << "command " << int(line.command) << ", preset \"" << line.presetName.toStdString()
-         << "\", json " << line.isJson;
-}
-
-void PrintTo(const UsageError& error, std::ostream* out) {
-    *out << error.message.toStdString();
-}
 
 namespace {
 

@@ -54,7 +54,7 @@ TEST_F(GroupsTest, SwitchingAGroupBringsAllItsMasksToOneState) {
     const auto flags = [&] {
         QString text;
         for (const ScreenMask& mask : masks())
-            text += QStringLiteral("%1%2 ").arg(mask.isVisible).arg(mask.isClickThrough);
+            text += u"%1%2 "_s.arg(mask.isVisible).arg(mask.isClickThrough);
         return text;
     };
     state().toggleGroupVisibility(group);
@@ -108,49 +108,12 @@ protected:
     QString order() {
         QString text;
         for (const MaskPreset& preset : presets())
-            text += QStringLiteral("%1:%2 ").arg(preset.name).arg(preset.priority);
+            text += u"%1:%2 "_s.arg(preset.name).arg(preset.priority);
         return text;
     }
 };
 
-TEST_F(PresetsTest, TheSheetProposesANameAndEndsWithAPresetOrNothing) {
-    state().beginSavePresetFlow();
-    EXPECT_EQ(state().presetDraftName.value(), u"Preset 1"_s);
-    state().cancelSavePresetFlow();
-    addMask(u"Salary"_s, {0, 0, 100, 100});
-    state().presetDraftAutoApply.set(true);
-    state().beginSavePresetFlow();
-    EXPECT_EQ(state().presetDraftName.value(), u"Salary Layout"_s);
-    EXPECT_FALSE(state().presetDraftAutoApply.value());
-
-    state().presetDraftName.set(u" \n\t"_s);
-    state().confirmSavePreset();
-    EXPECT_TRUE(presets().isEmpty());
-    EXPECT_TRUE(state().isSavePresetPresented.value());
-    EXPECT_EQ(state().presetDraftName.value(), u" \n\t"_s);
-
-    activate(u"org.example.Editor"_s);
-    state().presetDraftName.set(u" Work "_s);
-    state().presetDraftTrigger.set(u" On call "_s);
-    state().presetDraftAutoApply.set(true);
-    state().confirmSavePreset();
-    EXPECT_FALSE(state().isSavePresetPresented.value());
-    EXPECT_EQ(state().presetDraftName.value(), QString());
-    EXPECT_EQ(state().presetDraftTrigger.value(), u"Manual"_s);
-    EXPECT_FALSE(state().presetDraftAutoApply.value());
-    const MaskPreset saved = presets().first();
-    EXPECT_EQ(saved, (MaskPreset{saved.id, u"Work"_s, u" On call "_s, masks(), true,
-                                 u"org.example.Editor"_s, u"org.example.Editor"_s, 0}));
-
-    state().beginSavePresetFlow();
-    state().presetDraftTrigger.set(u"  "_s);
-    state().confirmSavePreset();
-    EXPECT_EQ(presets().first().trigger, u"Manual"_s);
-    EXPECT_EQ(presets().first().targetBundleIdentifier, std::nullopt);
-    EXPECT_EQ(presets().first().priority, 1);
-}
-
-TEST_F(PresetsTest, MovingMakesPrioritiesAgreeWithTheOrder) {
+TEST_F(PresetsTest, MovingMakesPrioritiesAgreeWithTheOrderAndBindingMeansOne) {
     const QUuid a = save(u"a"_s);
     save(u"b"_s);
     const QUuid c = save(u"c"_s);
@@ -166,26 +129,14 @@ TEST_F(PresetsTest, MovingMakesPrioritiesAgreeWithTheOrder) {
     state().movePresetDown(d);
     state().movePresetDown(c);
     EXPECT_EQ(order(), u"a:2 d:1 c:0 "_s);
-}
-
-TEST_F(PresetsTest, EditingAndBindingChangeOnePreset) {
-    const QUuid preset = save(u"a"_s);
-    state().updatePreset(preset, u" "_s, u"x"_s);
-    EXPECT_EQ(presets().first().trigger, u"Manual"_s);
-    state().updatePreset(preset, u" New "_s, u" On call "_s);
-    EXPECT_EQ(presets().first().name, u"New"_s);
-    EXPECT_EQ(presets().first().trigger, u"On call"_s);
-    state().updatePreset(preset, u"New"_s, u" "_s);
-    EXPECT_EQ(presets().first().trigger, u"Manual"_s);
 
     activate(u"org.example.Editor"_s);
-    state().bindPresetToCurrentApp(preset);
-    EXPECT_TRUE(presets().first().autoApply);
-    EXPECT_EQ(presets().first().targetBundleIdentifier, u"org.example.Editor"_s);
-    state().clearPresetAppBinding(preset);
-    EXPECT_FALSE(presets().first().autoApply);
-    EXPECT_EQ(presets().first().targetAppName, std::nullopt);
-    EXPECT_EQ(presets().first().targetBundleIdentifier, std::nullopt);
+    state().bindPresetToCurrentApp(d);
+    EXPECT_TRUE(presets()[1].autoApply && !presets()[0].autoApply);
+    EXPECT_EQ(presets()[1].targetBundleIdentifier, u"org.example.Editor"_s);
+    state().clearPresetAppBinding(d);
+    EXPECT_FALSE(presets()[1].autoApply || presets()[1].targetAppName ||
+                 presets()[1].targetBundleIdentifier);
 }
 
 TEST_F(PresetsTest, TheBestBoundPresetIsAppliedOnArrivalOnly) {

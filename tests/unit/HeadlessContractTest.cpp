@@ -24,5 +24,8 @@ private:
 
 }  // namespace
 
-INSTANTIATE_TYPED_TEST_SUITE_P(Headless, DesktopContract, HeadlessHarness);
-INSTANTIATE_TYPED_TEST_SUITE_P(Headless, WorkspaceContract, HeadlessWorkspaceHarness);
+INSTANTIATE_TEST_SUITE_P(Headless, DesktopContract,
+                         testing::Values([] { return std::make_unique<HeadlessHarness>(); }));
+INSTANTIATE_TEST_SUITE_P(Headless, WorkspaceContract, testing::Values([] {
+                             return std::make_unique<HeadlessWorkspaceHarness>();
+                         }));

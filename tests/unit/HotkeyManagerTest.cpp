@@ -27,7 +27,8 @@ private:
     HeadlessHotKeyCenter m_center;
 };
 
-INSTANTIATE_TYPED_TEST_SUITE_P(Headless, HotKeyContract, HeadlessHotKeyHarness);
+INSTANTIATE_TEST_SUITE_P(Headless, HotKeyContract,
+                         testing::Values([] { return std::make_unique<HeadlessHotKeyHarness>(); }));
 
 class HotkeyManagerTest : public testing::Test {
 protected:

@@ -2,8 +2,6 @@
 #include "support/AppStateFixture.h"
 #include "support/HeadlessPlatform.h"
 
-#include <QFile>
-
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -102,6 +100,10 @@ TEST_F(LaunchTest, DecidesWhatIsPresented) {
         openDashboard();
         EXPECT_TRUE(m_window->isVisible());
     }
+    launch({}, std::nullopt);
+    EXPECT_EQ(presented(), QString()) << "a first launch is not a new version";
+    advance(250);
+    EXPECT_EQ(document().settings.lastSeenVersion, u"0"_s) << "of a build without a version";
 }
 
 TEST_F(LaunchTest, TheWalkthroughStartsOnceWithAMaskToPointAt) {
@@ -130,20 +132,6 @@ TEST_F(LaunchTest, TheWalkthroughStartsOnceWithAMaskToPointAt) {
     EXPECT_EQ(presented(), u"onboarding"_s);
     EXPECT_EQ(masks().size(), 2);
     EXPECT_EQ(state().selectedMaskID.value(), masks().first().id);
-}
-
-TEST_F(LaunchTest, AnUnreadableFileAndABuildWithoutVersionStart) {
-    advance(250);
-    m_state.reset();
-    QFile file(workspacePath());
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write("[]") == 2);
-    file.close();
-    AppPlatform platform = headlessPlatform(desktop(), m_log, m_folder.filePath(u"Veyla"_s));
-    platform.applicationVersion.reset();
-    m_state = std::make_unique<AppState>(platform);
-    EXPECT_EQ(presented(), QString()) << "a first launch is not a new version";
-    advance(250);
-    EXPECT_EQ(document().settings.lastSeenVersion, u"0"_s);
 }
 
 TEST_F(LaunchTest, ReleaseNotesComeFromOneFetchThatSucceeded) {
@@ -217,9 +205,6 @@ TEST_F(LaunchTest, HotKeysPerformTheirActionsAndFollowTheSettings) {
     EXPECT_TRUE(press(45, 256));
     EXPECT_EQ(masks().size(), 3);
     EXPECT_EQ(state().hotkeyConflict(u"other"_s, plainKey), HotkeyAction::createMask);
-    EXPECT_EQ(state().hotkeyConflict(createMask, {4, controlOptionCommand}),
-              HotkeyAction::toggleAll)
-        << "by default";
     const auto hold = state().suspendHotkeys();
     EXPECT_FALSE(press(45, 256));
 }

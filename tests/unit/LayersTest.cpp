@@ -1,8 +1,9 @@
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QRegularExpression>
 #include <gtest/gtest.h>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -37,19 +38,12 @@ constexpr Rule rules[] = {
 };
 
 QStringList filesIn(const QString& folder) {
-    const QString root = QStringLiteral(VEYLA_SOURCE_DIR "/src/");
-    if (folder.endsWith(QStringLiteral("/*.h"))) {
-        const QDir directory(root + folder.chopped(4));
-        QStringList paths;
-        for (const QString& name : directory.entryList({QStringLiteral("*.h")}, QDir::Files))
-            paths << directory.filePath(name);
-        return paths;
-    }
+    const bool isHeaders = folder.endsWith(u"/*.h");
+    const QDir directory(QStringLiteral(VEYLA_SOURCE_DIR "/src/") + folder.section(u"/*"_s, 0, 0),
+                         isHeaders ? u"*.h"_s : u"*.h;*.cpp"_s, {}, QDir::Files);
     QStringList paths;
-    QDirIterator files(root + folder, {QStringLiteral("*.h"), QStringLiteral("*.cpp")},
-                       QDir::Files);
-    while (files.hasNext())
-        paths << files.next();
+    for (const QFileInfo& file : directory.entryInfoList())
+        paths << file.filePath();
     return paths;
 }
 

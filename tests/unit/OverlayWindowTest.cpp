@@ -1,15 +1,16 @@
 #include "Services/OverlayWindow.h"
 #include "support/HeadlessHarness.h"
 
-#include <cmath>
 #include <gtest/gtest.h>
+
+using namespace Qt::Literals::StringLiterals;
 
 class OverlayWindowTest : public testing::Test, protected OverlayWindowDelegate {
 protected:
     OverlayWindowTest() {
         harness.desktop().screens.setScreens(
-            {{QStringLiteral("A"), {0, 0, 1000, 700}, {0, 0, 1000, 700}, 1},
-             {QStringLiteral("B"), {1000, 0, 500, 600}, {1000, 0, 500, 600}, 1}});
+            {{u"A"_s, {0, 0, 1000, 700}, {0, 0, 1000, 700}, 1},
+             {u"B"_s, {1000, -100, 500, 700}, {1000, -100, 500, 700}, 1}});
         // The window followed its screen's top-left corner.
         window.setFrame({300, 300, 200, 100});
         moves = 0;
@@ -130,6 +131,9 @@ TEST_F(OverlayWindowTest, MovesWithThePointerAndShowsGuides) {
     EXPECT_TRUE(shownGuides().isEmpty());
     mouse().moveMouse({1105, 405});
     EXPECT_EQ(shownGuides(), (QList<GuideLine>{GuideLine::vertical(0)})) << "on its own screen";
+    mouse().moveMouse({1103, -47});
+    EXPECT_EQ(window.frame(), (Rect{1000, -100, 200, 100}));
+    EXPECT_EQ(shownGuides(), (QList<GuideLine>{GuideLine::vertical(0), GuideLine::horizontal(0)}));
     mouse().releaseMouse();
     EXPECT_TRUE(shownGuides().isEmpty());
     EXPECT_EQ(mouse().allSurfaces().size(), 1U) << "the guide window lives for one move";

@@ -1,20 +1,17 @@
 #include "App/RemoteCommands.h"
-#include "support/HeadlessPlatform.h"
-#include "support/RecordingSystemLog.h"
+#include "support/AppStateFixture.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
 #include <limits>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-class RemoteCommandsTest : public testing::Test {
+class RemoteCommandsTest : public AppStateFixture {
 protected:
     void perform(const QStringList& arguments) {
         EXPECT_EQ(commands.perform(arguments), CommandResult())
@@ -38,22 +35,18 @@ protected:
         return {QUuid::createUuid(), name, u"Manual"_s, masks, false, {}, {}, 7};
     }
 
-    QTemporaryDir folder;
-    RecordingSystemLog log;
-    HeadlessDesktop desktop;
-    AppState state{headlessPlatform(desktop, log, folder.path())};
-    std::shared_ptr<HeadlessWindow> dashboard = desktop.applicationHost.addWindow(u"Veyla"_s);
+    std::shared_ptr<HeadlessWindow> dashboard = desktop().applicationHost.addWindow(u"Veyla"_s);
     int quitRequests = 0;
-    RemoteCommands commands{state, [this] { ++quitRequests; }};
+    RemoteCommands commands{state(), [this] { ++quitRequests; }};
 };
 
 TEST_F(RemoteCommandsTest, DrivesTheApplicationState) {
     perform({u"create-mask"_s});
-    EXPECT_EQ(state.masks.value().size(), 1);
+    EXPECT_EQ(masks().size(), 1);
     perform({u"toggle-masks"_s});
-    EXPECT_FALSE(state.areMasksVisible.value());
+    EXPECT_FALSE(state().areMasksVisible.value());
     perform({u"toggle-editing"_s});
-    EXPECT_FALSE(state.isEditingEnabled.value());
+    EXPECT_FALSE(state().isEditingEnabled.value());
     perform({u"toggle-dashboard"_s});
     EXPECT_TRUE(dashboard->isVisible());
     perform({u"toggle-dashboard"_s});
@@ -65,65 +58,63 @@ TEST_F(RemoteCommandsTest, DrivesTheApplicationState) {
 
 TEST_F(RemoteCommandsTest, AnnouncesShowAndHideOnlyWhenTheyChangeSomething) {
     perform({u"show-masks"_s});
-    EXPECT_TRUE(desktop.announcer.messages().isEmpty());
+    EXPECT_TRUE(announcements().isEmpty());
     perform({u"hide-masks"_s});
     perform({u"hide-masks"_s});
-    EXPECT_FALSE(state.areMasksVisible.value());
+    EXPECT_FALSE(state().areMasksVisible.value());
     perform({u"show-masks"_s});
-    EXPECT_TRUE(state.areMasksVisible.value());
-    EXPECT_EQ(desktop.announcer.messages(),
-              (QStringList{u"All masks hidden"_s, u"All masks shown"_s}));
+    EXPECT_TRUE(state().areMasksVisible.value());
+    EXPECT_EQ(announcements(), (QStringList{u"All masks hidden"_s, u"All masks shown"_s}));
 }
 
 TEST_F(RemoteCommandsTest, AppliesTheFirstPresetOfExactlyThatName) {
     ScreenMask grouped = mask(u"First"_s);
     grouped.groupID = QUuid::createUuid();
-    state.presets.set({preset(u"work"_s, {mask(u"Other"_s)}),
-                       preset(u"Work"_s, {grouped, mask(u"Second"_s)}), preset(u"Work"_s, {})});
-    state.areMasksVisible.set(false);
+    state().presets.set({preset(u"work"_s, {mask(u"Other"_s)}),
+                         preset(u"Work"_s, {grouped, mask(u"Second"_s)}), preset(u"Work"_s, {})});
+    state().areMasksVisible.set(false);
     perform({u"apply-preset"_s, u"Work"_s});
 
-    const QList<ScreenMask> masks = state.masks.value();
-    ASSERT_EQ(masks.size(), 2);
-    EXPECT_EQ(masks[0].name, u"First"_s);
-    EXPECT_NE(masks[0].id, grouped.id);
-    EXPECT_NE(masks[0].id, masks[1].id);
-    EXPECT_EQ(masks[0].groupID, std::nullopt);
-    EXPECT_EQ(masks[0].style, ScreenMask::Style::frosted);
-    EXPECT_EQ(masks[0].opacity, 0.5);
-    EXPECT_EQ(state.selectedMaskID.value(), masks[0].id);
-    EXPECT_TRUE(state.areMasksVisible.value());
-    EXPECT_EQ(state.activeOverlayCount.value(), 2);
+    ASSERT_EQ(masks().size(), 2);
+    EXPECT_EQ(masks()[0].name, u"First"_s);
+    EXPECT_NE(masks()[0].id, grouped.id);
+    EXPECT_NE(masks()[0].id, masks()[1].id);
+    EXPECT_EQ(masks()[0].groupID, std::nullopt);
+    EXPECT_EQ(masks()[0].style, ScreenMask::Style::frosted);
+    EXPECT_EQ(masks()[0].opacity, 0.5);
+    EXPECT_EQ(state().selectedMaskID.value(), masks()[0].id);
+    EXPECT_TRUE(state().areMasksVisible.value());
+    EXPECT_EQ(state().activeOverlayCount.value(), 2);
 
-    const QUuid earlierID = masks[0].id;
+    const QUuid earlierID = masks()[0].id;
     perform({u"apply-preset"_s, u"Work"_s});
-    EXPECT_NE(state.masks.value().first().id, earlierID);
-    EXPECT_TRUE(desktop.announcer.messages().isEmpty());
+    EXPECT_NE(masks().first().id, earlierID);
+    EXPECT_TRUE(announcements().isEmpty());
 }
 
 TEST_F(RemoteCommandsTest, ApplyingAnEmptyPresetLeavesNothingSelected) {
-    state.createMask();
-    state.applyPreset(preset(u"None"_s, {}));
-    EXPECT_TRUE(state.masks.value().isEmpty());
-    EXPECT_EQ(state.selectedMaskID.value(), std::nullopt);
-    EXPECT_TRUE(desktop.overlaySurfaces.shownSurfaces().empty());
+    state().createMask();
+    state().applyPreset(preset(u"None"_s, {}));
+    EXPECT_TRUE(masks().isEmpty());
+    EXPECT_EQ(state().selectedMaskID.value(), std::nullopt);
+    EXPECT_TRUE(desktop().overlaySurfaces.shownSurfaces().empty());
 }
 
 TEST_F(RemoteCommandsTest, TellsInOneLineWhatItCannotDo) {
-    state.presets.set({preset(u"Work"_s, {})});
+    state().presets.set({preset(u"Work"_s, {})});
     EXPECT_EQ(commands.perform({u"apply-preset"_s, u" Work\n"_s}),
               (CommandResult{ExitStatus::nothingToActOn, QString(),
                              u"No preset is named \" Work\\n\"."_s}));
     EXPECT_EQ(commands.perform({u"explode"_s}).status, ExitStatus::wrongUsage);
 
-    desktop.applicationHost.closeWindows();
+    desktop().applicationHost.closeWindows();
     dashboard.reset();
     EXPECT_EQ(commands.perform({u"toggle-dashboard"_s}),
               (CommandResult{ExitStatus::nothingToActOn, QString(),
                              u"There is no dashboard to open."_s}));
 
-    state.createMask();
-    state.setOpacity(state.masks.value().first().id, std::numeric_limits<double>::infinity());
+    state().createMask();
+    state().setOpacity(masks().first().id, std::numeric_limits<double>::infinity());
     const CommandResult unwritable = commands.perform({u"status"_s, u"--json"_s});
     EXPECT_EQ(unwritable.status, ExitStatus::nothingToActOn);
     EXPECT_TRUE(unwritable.error.contains(u"masks[0].opacity"_s)) << unwritable.error.toStdString();
@@ -154,52 +145,46 @@ TEST_F(RemoteCommandsTest, StatusTellsScriptsEverything) {
     const MaskGroup group{QUuid::createUuid(), u"Grüppe"_s, false, true, true};
     ScreenMask grouped = mask(u"B"_s);
     grouped.groupID = group.id;
-    state.groups.set({group});
-    state.masks.set({mask(u"A"_s), grouped});
-    state.presets.set({preset(u"Work"_s, {})});
-    state.selectedMaskID.set(grouped.id);
-    state.toggleVisibilityForAllMasks();
-    desktop.hotKeyCenter.occupy({45, 6400});
-    state.registerHotkeysWithCurrentBindings();
-    desktop.workspace.activate({u"App"_s, u"org.example.App"_s});
-    desktop.workspace.launch({u"OBS"_s, u"com.obsproject.obs-studio"_s});
-    desktop.mainLoop.advanceBy(std::chrono::milliseconds(1));
-    state.openDashboardWindow();
+    state().groups.set({group});
+    state().masks.set({mask(u"A"_s), grouped});
+    state().presets.set({preset(u"Work"_s, {})});
+    state().selectedMaskID.set(grouped.id);
+    state().toggleVisibilityForAllMasks();
+    desktop().hotKeyCenter.occupy({45, 6400});
+    state().registerHotkeysWithCurrentBindings();
+    desktop().workspace.activate({u"App"_s, u"org.example.App"_s});
+    desktop().workspace.launch({u"OBS"_s, u"com.obsproject.obs-studio"_s});
+    advance(1);
+    state().openDashboardWindow();
 
     const QJsonObject full = status();
     EXPECT_EQ(full[u"pid"].toInteger(), QCoreApplication::applicationPid());
     EXPECT_EQ(full[u"masks"][0][u"groupID"], QJsonValue(QJsonValue::Null));
-    const QJsonObject expectedMask{
-        {u"id"_s, uuidText(grouped.id)},
-        {u"name"_s, u"B"_s},
-        {u"frame"_s,
-         QJsonObject{{u"x"_s, 10.5}, {u"y"_s, 20}, {u"width"_s, 300}, {u"height"_s, 200}}},
-        {u"isVisible"_s, true},
-        {u"isClickThrough"_s, false},
-        {u"style"_s, u"frosted"_s},
-        {u"opacity"_s, 0.5},
-        {u"colorHex"_s, u"#112233"_s},
-        {u"groupID"_s, uuidText(group.id)}};
-    EXPECT_EQ(full[u"masks"][1], QJsonValue(expectedMask));
-    EXPECT_EQ(full[u"groups"][0], QJsonValue(QJsonObject{{u"id"_s, uuidText(group.id)},
-                                                         {u"name"_s, u"Grüppe"_s},
-                                                         {u"isExpanded"_s, false},
-                                                         {u"isVisible"_s, true},
-                                                         {u"isLocked"_s, true}}));
-    const MaskPreset saved = state.presets.value().first();
-    EXPECT_EQ(full[u"presets"][0],
-              QJsonValue(QJsonObject{
-                  {u"id"_s, uuidText(saved.id)}, {u"name"_s, u"Work"_s}, {u"priority"_s, 7}}));
-    EXPECT_EQ(full[u"selectedMaskID"].toString(), uuidText(grouped.id));
-    EXPECT_EQ(full[u"areMasksVisible"], QJsonValue(false));
-    EXPECT_EQ(full[u"activeOverlayCount"], QJsonValue(0));
-    EXPECT_EQ(full[u"isEditingEnabled"], QJsonValue(true));
-    EXPECT_EQ(full[u"dashboardVisible"], QJsonValue(true));
-    EXPECT_EQ(full[u"isLikelyScreenSharing"], QJsonValue(true));
-    EXPECT_EQ(full[u"hotkeys"][0], QJsonValue(QJsonObject{{u"action"_s, u"createMask"_s},
-                                                          {u"display"_s, u"⌃⌥⌘N"_s},
-                                                          {u"isRegistered"_s, false}}));
+    const QString expected =
+        uR"({"mask": {"id": "%1", "name": "B", "opacity": 0.5,
+            "frame": {"x": 10.5, "y": 20, "width": 300, "height": 200}, "isVisible": true,
+            "isClickThrough": false, "style": "frosted", "colorHex": "#112233", "groupID": "%2"},
+        "group": {"id": "%2", "name": "Grüppe", "isExpanded": false, "isVisible": true,
+            "isLocked": true},
+        "preset": {"id": "%3", "name": "Work", "priority": 7},
+        "hotkey": {"action": "createMask", "display": "⌃⌥⌘N", "isRegistered": false}})"_s;
+    const auto parts =
+        QJsonDocument::fromJson(expected
+                                    .arg(uuidText(grouped.id), uuidText(group.id),
+                                         uuidText(state().presets.value().first().id))
+                                    .toUtf8());
+    EXPECT_EQ(full[u"masks"][1], parts[u"mask"]);
+    EXPECT_EQ(full[u"groups"][0], parts[u"group"]);
+    EXPECT_EQ(full[u"presets"][0], parts[u"preset"]);
+    EXPECT_EQ(full[u"hotkeys"][0], parts[u"hotkey"]);
     EXPECT_EQ(full[u"hotkeys"][3][u"isRegistered"], QJsonValue(true));
+    EXPECT_EQ(full[u"selectedMaskID"].toString(), uuidText(grouped.id));
+    EXPECT_EQ(full[u"activeOverlayCount"], QJsonValue(0));
+    for (const auto& [flag, value] : {std::pair("areMasksVisible", false),
+                                      {"isEditingEnabled", true},
+                                      {"dashboardVisible", true},
+                                      {"isLikelyScreenSharing", true}})
+        EXPECT_EQ(full[QLatin1StringView(flag)], QJsonValue(value)) << flag;
     EXPECT_EQ(full[u"frontmost"][u"bundleIdentifier"], QJsonValue(u"org.example.App"_s));
 }
 
@@ -207,7 +192,7 @@ TEST_F(RemoteCommandsTest, StatusTellsPeopleInAlignedColumns) {
     ScreenMask longNamed = mask(u"Long\nname"_s);
     longNamed.style = ScreenMask::Style::softTint;
     longNamed.opacity = 1;
-    state.masks.set({mask(u"A"_s), longNamed});
+    state().masks.set({mask(u"A"_s), longNamed});
     const QStringList lines = commands.perform({u"status"_s}).output.split(u'\n');
     const QString expected = QStringLiteral(R"(
 Masks (2)

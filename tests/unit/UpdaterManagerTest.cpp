@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::Literals::StringLiterals;
+
 TEST(UpdaterManager, FollowsTheFrameworkFromTheStartAlsoWhenThatFails) {
     HeadlessUpdateFramework framework;
     UpdaterManager manager(framework);
@@ -14,7 +16,7 @@ TEST(UpdaterManager, FollowsTheFrameworkFromTheStartAlsoWhenThatFails) {
     EXPECT_EQ(framework.checkCount(), 1);
 
     HeadlessUpdateFramework broken;
-    broken.failToStart(QStringLiteral("no key"));
+    broken.failToStart(u"no key"_s);
     UpdaterManager unable(broken);
     EXPECT_FALSE(unable.canCheckForUpdates().value());
     broken.setCanCheck(true);

@@ -3,15 +3,15 @@
 #include <QDir>
 #include <gtest/gtest.h>
 
+using namespace Qt::Literals::StringLiterals;
+
 TEST(WorkspaceLocationTest, FollowsTheBaseDirectories) {
     const QByteArray previous = qgetenv("XDG_DATA_HOME");
-    const QString usual = QDir::homePath() + QStringLiteral("/.local/share/Veyla");
+    const QString usual = QDir::homePath() + u"/.local/share/Veyla"_s;
     const struct {
         const char* dataHome;
         QString expected;
-    } cases[] = {{"/some/where", QStringLiteral("/some/where/Veyla")},
-                 {"", usual},
-                 {"relative/path", usual}};
+    } cases[] = {{"/some/where", u"/some/where/Veyla"_s}, {"", usual}, {"relative/path", usual}};
     for (const auto& [dataHome, expected] : cases) {
         qputenv("XDG_DATA_HOME", dataHome);
         EXPECT_EQ(workspaceDirectory(), expected) << dataHome;

@@ -4,6 +4,7 @@
 #include "Platform/AccessibleIdentifier.h"
 #include "Views/DashboardView.h"
 #include "support/AppStateFixture.h"
+#include "support/Printing.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
@@ -12,16 +13,7 @@
 #include <QScrollArea>
 #include <QTest>
 #include <algorithm>
-#include <ostream>
 #include <stdexcept>
-
-inline void PrintTo(const QString& text, std::ostream* stream) {
-    *stream << '"' << text.toStdString() << '"';
-}
-
-inline void PrintTo(const QRect& rect, std::ostream* stream) {
-    *stream << rect.width() << "x" << rect.height() << "+" << rect.x() << "+" << rect.y();
-}
 
 /// The dashboard, or another window, on an in-memory desktop, used with pointer and keyboard. Only
 /// what is on screen is found.
@@ -31,6 +23,12 @@ protected:
         auto view = std::make_unique<DashboardView>(state(), desktop().mainLoop);
         view->resize(size);
         show(std::move(view));
+    }
+    /// With a selected mask.
+    void openWithMask(QSize size = {1180, 740}, const Rect& frame = {100, 100, 320, 180}) {
+        addMask(QStringLiteral("Mask 1"), frame);
+        state().selectMask(mask().id);
+        open(size);
     }
     /// Uses another window from here on.
     void show(std::unique_ptr<QWidget> window) {
@@ -54,8 +52,11 @@ protected:
         return QAccessible::queryAccessibleInterface(view)->text(QAccessible::Name);
     }
 
+    // Who looks for something lets it come first.
+
     /// Null when there is none.
-    QWidget* find(const std::function<bool(QWidget*)>& isWanted) const {
+    QWidget* find(const std::function<bool(QWidget*)>& isWanted) {
+        settle();
         const auto views = m_view->findChildren<QWidget*>();
         const auto found = std::find_if(views.begin(), views.end(), [&](QWidget* view) {
             return view->isVisible() && isWanted(view);
@@ -63,22 +64,27 @@ protected:
         return found == views.end() ? nullptr : *found;
     }
     /// By name or identifier.
-    QWidget* findNamed(const QString& name) const {
+    QWidget* findNamed(const QString& name) {
         return find([&](QWidget* each) {
             return nameOf(each) == name || accessibleIdentifier(*each) == name;
         });
     }
-    bool has(const QString& name) const { return findNamed(name) != nullptr; }
+    bool has(const QString& name) { return findNamed(name) != nullptr; }
     /// Throws std::runtime_error when there is none.
-    QWidget* view(const QString& name) const {
+    QWidget* view(const QString& name) {
         QWidget* const found = findNamed(name);
         if (!found) throw std::runtime_error("there is no " + name.toStdString());
         return found;
     }
 
+    bool isOn(const QString& name) {
+        return static_cast<QAbstractButton*>(view(name))->isChecked();
+    }
+
     /// The views of a class that has no meta-object of its own.
     template <typename View>
-    QList<View*> all() const {
+    QList<View*> all() {
+        settle();
         QList<View*> found;
         for (QWidget* const each : m_view->findChildren<QWidget*>())
             if (auto* const view = dynamic_cast<View*>(each)) found << view;

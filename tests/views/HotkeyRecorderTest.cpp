@@ -13,11 +13,7 @@ constexpr auto defaultModifiers = Qt::ControlModifier | Qt::AltModifier | Qt::Me
 
 class HotkeyRecorderTest : public DashboardFixture {
 protected:
-    void SetUp() override {
-        addMask(u"Mask 1"_s, {100, 100, 320, 180});
-        state().selectMask(mask().id);
-        open();
-    }
+    void SetUp() override { openWithMask(); }
 
     static QString fieldOf(HotkeyAction action) {
         return u"hotkey-field-"_s + hotkeyBindingKey(action);
@@ -114,7 +110,6 @@ TEST_F(HotkeyRecorderTest, OwnHotKeysRestUntilTheRecordedKeyIsLetGo) {
     click(fieldOf(createMask));
     EXPECT_TRUE(isSuspended());
     send(QEvent::KeyPress, keyQ, defaultModifiers);
-    settle();
     EXPECT_EQ(textOf(createMask), u"⌃⌥⌘Q");
     send(QEvent::KeyRelease, controlKey, defaultModifiers);
     EXPECT_TRUE(send(QEvent::ShortcutOverride, keyQ, defaultModifiers, true));
@@ -158,7 +153,6 @@ TEST_F(HotkeyRecorderTest, EndsWithoutChangeWhenTheKeyboardGoesElsewhere) {
     for (const auto& [name, leave] : ways) {
         SCOPED_TRACE(name);
         state().createMask();
-        settle();
         click(fieldOf(createMask));
         ASSERT_EQ(recording(), QList{createMask});
         leave();
@@ -166,7 +160,6 @@ TEST_F(HotkeyRecorderTest, EndsWithoutChangeWhenTheKeyboardGoesElsewhere) {
         EXPECT_FALSE(desktop().hotKeyCenter.isSuspended());
         m_view->show();
         state().createMask();
-        settle();
         EXPECT_EQ(recording(), QList<HotkeyAction>());
         EXPECT_EQ(state().settings.value(), former);
     }
@@ -247,7 +240,7 @@ TEST_F(HotkeyRecorderTest, TheKeyboardStartsAndKeepsToTheOrderOfTheCard) {
 TEST_F(HotkeyRecorderTest, TheBehaviorBoxesAreTheSettings) {
     const struct {
         QString title;
-        std::function<bool(const AppSettings&)> isOn;
+        std::function<bool(const AppSettings&)> holds;
     } boxes[] = {
         {u"Show help on launch"_s, [](const auto& each) { return each.showHelpOnLaunch; }},
         {u"Menu bar utility mode"_s, [](const auto& each) { return each.menuBarOnlyMode; }},
@@ -258,20 +251,17 @@ TEST_F(HotkeyRecorderTest, TheBehaviorBoxesAreTheSettings) {
     };
     state().settings.update(
         [](AppSettings& settings) { settings.autoShowMasksOnScreenShare.reset(); });
-    settle();
-    for (const auto& [title, isOn] : boxes) {
+    for (const auto& [title, holds] : boxes) {
         SCOPED_TRACE(title.toStdString());
-        auto* const box = static_cast<QAbstractButton*>(view(title));
-        const bool before = isOn(state().settings.value());
-        EXPECT_EQ(box->isChecked(), before);
-        click(box);
-        EXPECT_EQ(isOn(state().settings.value()), !before);
-        EXPECT_EQ(box->isChecked(), !before);
-        click(box);
-        EXPECT_EQ(isOn(state().settings.value()), before);
+        const bool before = holds(state().settings.value());
+        EXPECT_EQ(isOn(title), before);
+        click(title);
+        EXPECT_EQ(holds(state().settings.value()), !before);
+        EXPECT_EQ(isOn(title), !before);
+        click(title);
+        EXPECT_EQ(holds(state().settings.value()), before);
     }
     EXPECT_EQ(state().settings.value().autoShowMasksOnScreenShare, false) << "written explicitly";
     state().settings.update([](AppSettings& settings) { settings.menuBarOnlyMode = true; });
-    settle();
-    EXPECT_TRUE(static_cast<QAbstractButton*>(view(u"Menu bar utility mode"_s))->isChecked());
+    EXPECT_TRUE(isOn(u"Menu bar utility mode"_s));
 }

@@ -4,7 +4,6 @@
 #include "Views/Dashboard/InspectorView.h"
 
 #include <QLineEdit>
-#include <QRadioButton>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -12,12 +11,6 @@ namespace {
 
 class InspectorTest : public DashboardFixture {
 protected:
-    /// A mask of 320 by 180 points at 100, 200, selected.
-    void openWithMask() {
-        addMask(u"Mask 1"_s, {100.9, 200.9, 320.9, 180.9});
-        state().selectMask(mask().id);
-        open();
-    }
     QLineEdit& nameField() { return *static_cast<QLineEdit*>(view(u"mask-name-field"_s)); }
     AmountSlider& slider() { return *all<AmountSlider>().at(0); }
     double sliderValue() {
@@ -25,9 +18,6 @@ protected:
             ->valueInterface()
             ->currentValue()
             .toDouble();
-    }
-    bool isOn(const QString& name) {
-        return static_cast<QAbstractButton*>(view(name))->isChecked();
     }
     /// The colour of the widest ring of a swatch, left of its middle.
     QColor ringOf(const QString& name) {
@@ -42,16 +32,10 @@ protected:
 }  // namespace
 
 TEST_F(InspectorTest, EveryControlWritesThroughItsOperation) {
-    openWithMask();
+    openWithMask({1180, 740}, {100.9, 200.9, 320.9, 180.9});
     EXPECT_TRUE(has(u"320 × 180 px · Blackout"_s));
     EXPECT_TRUE(has(u"X: 100,  Y: 200 px"_s));
     EXPECT_TRUE(has(u"Mask ID: "_s + uuidText(mask().id)));
-    EXPECT_TRUE(has(u"Appearance & Behavior"_s) && has(u"Position & Scaling"_s));
-    for (const auto* const label : {"Mask Style", "Opacity", "Mask Color", "Toggles", "Nudge Layer",
-                                    "Resize Layer", "▲", "▼", "◀", "▶", "Delete Mask"})
-        EXPECT_TRUE(find([&](QWidget* each) {
-            return each->property("text").toString() == QString::fromUtf8(label);
-        })) << label;
 
     const Rect frame = mask().frame;
     const auto movedBy = [&](double x, double y, double width, double height) {
@@ -100,7 +84,6 @@ TEST_F(InspectorTest, ChoosesOnceWithPointerAndArrowKeys) {
     EXPECT_EQ(mask().style, ScreenMask::Style::softTint);
     EXPECT_EQ(changes, 2);
     state().setStyle(mask().id, ScreenMask::Style::blackout);
-    settle();
     EXPECT_TRUE(isOn(u"Blackout"_s) && !isOn(u"Soft Tint"_s));
 }
 
@@ -121,7 +104,6 @@ TEST_F(InspectorTest, OnlyTheSwatchOfExactlyThatColorHasARing) {
     view(u"Duplicate"_s)->setFocus();
     for (const auto& [stored, ringed] : cases) {
         state().setColorHex(mask().id, stored);
-        settle();
         for (const QString& name : m_swatches) {
             EXPECT_EQ(ringOf(name) == QColor(Qt::white), name == ringed)
                 << name.toStdString() << " for " << stored.toStdString();
@@ -142,7 +124,6 @@ TEST_F(InspectorTest, TheSliderStaysInItsRangeAndTheTextTellsTheMask) {
                  {1.5, u"150%"_s, 1}};
     for (const auto& [stored, text, shown] : cases) {
         state().setOpacity(mask().id, stored);
-        settle();
         EXPECT_TRUE(has(text)) << stored;
         EXPECT_EQ(sliderValue(), shown);
         EXPECT_EQ(mask().opacity, stored) << "showing a value must not change it";
@@ -169,7 +150,6 @@ TEST_F(InspectorTest, TheSliderStaysInItsRangeAndTheTextTellsTheMask) {
 TEST_F(InspectorTest, ANameIsTakenWhenItIsSubmitted) {
     openWithMask();
     const QUuid other = addMask(u"Mask 2"_s, {0, 0, 320, 180});
-    settle();
     EXPECT_EQ(nameField().placeholderText(), u"Mask name");
     EXPECT_EQ(nameOf(&nameField()), u"Mask name");
     const auto typeName = [&](const QString& text) {
@@ -182,10 +162,8 @@ TEST_F(InspectorTest, ANameIsTakenWhenItIsSubmitted) {
     EXPECT_EQ(mask().name, u"Mask 1");
     EXPECT_EQ(nameField().text(), u"Typed") << "a change elsewhere does not disturb the typing";
     state().selectMask(other);
-    settle();
     EXPECT_EQ(nameField().text(), u"Mask 2");
     state().selectMask(mask().id);
-    settle();
     EXPECT_EQ(nameField().text(), u"Mask 1");
 
     typeName(u"   "_s);
@@ -198,7 +176,6 @@ TEST_F(InspectorTest, ANameIsTakenWhenItIsSubmitted) {
     typeName(u"   "_s);
     m_view->hide();
     m_view->show();
-    settle();
     EXPECT_EQ(nameField().text(), mask().name);
 }
 

@@ -22,11 +22,7 @@ protected:
         state().presets.update([&](QList<MaskPreset>& all) { all.append(preset); });
         return preset.id;
     }
-    void openWithMask(QSize size = {1180, 1000}) {
-        addMask(u"Mask 1"_s, {100, 100, 320, 180});
-        state().selectMask(mask().id);
-        open(size);
-    }
+    void openTall() { openWithMask({1180, 1000}); }
     void reopen() {
         m_view->hide();
         m_view->show();
@@ -55,10 +51,9 @@ protected:
 }  // namespace
 
 TEST_F(PresetsTest, ACardTellsItsPresetAndCallsItsOperations) {
-    openWithMask();
+    openTall();
     const QUuid other = addPreset(u"Other"_s);
     const QUuid id = addPreset(u"Calls <b>"_s, 3, u"OBS"_s);
-    settle();
     EXPECT_EQ(cardLabel(id), u"Preset: Calls <b>, 3 masks, trigger: OBS");
     EXPECT_TRUE(has(u"Calls <b>"_s) && has(u"3 masks • Trigger: OBS"_s));
     EXPECT_TRUE(isShown("preset-bind", id) && !isShown("preset-manual", id));
@@ -86,9 +81,8 @@ TEST_F(PresetsTest, ARunningApplicationIsChosenAlthoughVeylaIsInFront) {
           std::pair(u"Veyla"_s, u"app.veyla.Veyla"_s)})
         desktop().workspace.launch({name, identity});
     desktop().workspace.launch({std::nullopt, u"nameless"_s});
-    openWithMask();
+    openTall();
     const QUuid id = addPreset(u"Calls"_s);
-    settle();
     click(part("preset-choose", id));
     EXPECT_EQ(titles(openMenu()), (QStringList{u"Browser"_s, u"Zoom && Co"_s}));
     choose(openMenu(), u"Zoom && Co"_s);
@@ -101,9 +95,8 @@ TEST_F(PresetsTest, ARunningApplicationIsChosenAlthoughVeylaIsInFront) {
 }
 
 TEST_F(PresetsTest, EditingSavesOrLeavesThePresetAsItIs) {
-    openWithMask();
+    openTall();
     const QUuid id = addPreset(u"Calls"_s, 3, u"OBS"_s);
-    settle();
     const auto edit = [&](const QString& name, const QString& trigger) {
         click(part("preset-edit", id));
         EXPECT_TRUE(field("preset-draft-name", id).hasFocus());
@@ -143,17 +136,15 @@ TEST_F(PresetsTest, EditingSavesOrLeavesThePresetAsItIs) {
     EXPECT_TRUE(isShown("preset-save", id)) << "a blank name is not saved";
     state().currentFrontmostAppName.set(u"Zoom"_s);
     state().bindPresetToCurrentApp(id);
-    settle();
     EXPECT_EQ(field("preset-draft-trigger", id).text(), u"x") << "typing is not disturbed";
     reopen();
     EXPECT_TRUE(isShown("preset-load", id)) << "what was begun ends with the view";
 }
 
 TEST_F(PresetsTest, APresetIsDeletedOnceConfirmed) {
-    openWithMask();
+    openTall();
     const QUuid other = addPreset(u"Other"_s);
     const QUuid id = addPreset(u"Calls"_s, 3);
-    settle();
     const struct {
         const char* ending;
         std::function<void()> end;
@@ -177,12 +168,10 @@ TEST_F(PresetsTest, APresetIsDeletedOnceConfirmed) {
 
     click(part("preset-delete", other));
     state().deletePreset(other);
-    settle();
     EXPECT_FALSE(all<SheetArea>().at(0)->isPresenting.value()) << "nothing is left to ask about";
     EXPECT_TRUE(has(u"No presets yet. Save your current layout."_s));
 
     const QUuid last = addPreset(u"Last"_s);
-    settle();
     EXPECT_FALSE(has(u"No presets yet. Save your current layout."_s));
     click(part("preset-delete", last));
     m_view.reset();
@@ -194,13 +183,11 @@ TEST_F(PresetsTest, OnlyTheCardsInViewExistAndTheKeyboardFindsTheRest) {
     for (int number = 1; number <= 500; ++number)
         addPreset(u"Preset %1"_s.arg(number));
     m_view = std::make_unique<DashboardView>(state(), desktop().mainLoop);
-    settle();
     EXPECT_EQ(cardCount(), 0);
     open({1180, 700});
     EXPECT_GT(cardCount(), 2);
     EXPECT_LT(cardCount(), 24);
     scrollBar().setValue(scrollBar().maximum());
-    settle();
     EXPECT_TRUE(isShown("preset-card", preset(499).id));
     EXPECT_LT(cardCount(), 40);
 
@@ -208,7 +195,6 @@ TEST_F(PresetsTest, OnlyTheCardsInViewExistAndTheKeyboardFindsTheRest) {
     click(part("preset-edit", edited));
     type(u"Typed"_s);
     scrollBar().setValue(0);
-    settle();
     EXPECT_EQ(field("preset-draft-name", edited).text(), u"Typed") << "lost by scrolling";
     press(Qt::Key_Escape);
 
@@ -223,17 +209,15 @@ TEST_F(PresetsTest, OnlyTheCardsInViewExistAndTheKeyboardFindsTheRest) {
 }
 
 TEST_F(PresetsTest, ColumnsFollowTheWidthAndNothingIsCutOff) {
-    openWithMask();
+    openTall();
     for (int number = 0; number < 6; ++number)
         addPreset(u"A name that is too long for any card of this grid, however wide it is "_s +
                       QString::number(number),
                   1,
                   u"A trigger that is too long as well, to make sure it is cut off <i>too</i>"_s);
-    settle();
     int formerColumns = 0;
     for (const int width : {560, 1180}) {
         m_view->resize(width, 1400);
-        settle();
         std::set<int> columns;
         for (PresetRowView* const card : all<PresetRowView>()) {
             columns.insert(card->x());

@@ -9,7 +9,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <gtest/gtest.h>
-#include <ostream>
 
 /// The device pixels per point that every rendering is tested at.
 inline constexpr double testedScales[] = {1, 1.5, 2};

@@ -1,7 +1,6 @@
 #include "DashboardFixture.h"
 #include "Platform/Headless/HeadlessLoginItem.h"
 #include "Views/Components/AmountSlider.h"
-#include "Views/Design/VeylaTheme.h"
 #include "Views/Settings/SettingsView.h"
 #include "Views/Settings/SettingsWindow.h"
 
@@ -20,17 +19,7 @@ protected:
 
     const AppSettings& settings() { return state().settings.value(); }
     AmountSlider& slider() { return *all<AmountSlider>().at(0); }
-    bool isOn(const QString& name) {
-        return static_cast<QAbstractButton*>(view(name))->isChecked();
-    }
-    /// The colour just inside the left edge of a swatch's circle.
-    QColor ringOf(const QString& name) {
-        const QImage image = view(name)->grab().toImage();
-        return image.pixelColor(image.width() / 2 - 11, image.height() / 2);
-    }
-
     HeadlessLoginItem m_loginItem;
-    const QStringList m_swatches{u"Black"_s, u"Slate"_s, u"Teal"_s, u"Plum"_s, u"Red"_s};
 };
 
 }  // namespace
@@ -67,7 +56,6 @@ TEST_F(SettingsWindowTest, EveryControlWritesItsSettingAndFollowsIt) {
         EXPECT_NE(isOn(control), before) << control.toStdString();
     }
     state().settings.set(AppSettings::defaults());
-    settle();
     EXPECT_TRUE(isOn(u"Show help on launch"_s) && isOn(u"Show dashboard on launch"_s));
     EXPECT_FALSE(isOn(u"Prefer menu bar utility mode"_s) || isOn(u"Default click-through"_s));
 }
@@ -99,25 +87,7 @@ TEST_F(SettingsWindowTest, ADragOfTheSliderIsSavedOnce) {
     EXPECT_EQ(settings().defaultOpacity, 1);
     EXPECT_TRUE(has(u"Opacity 100%"_s));
     state().settings.update([](AppSettings& changed) { changed.defaultOpacity = 0.299; });
-    settle();
     EXPECT_TRUE(has(u"Opacity 29%"_s));
-}
-
-TEST_F(SettingsWindowTest, OnlyTheSwatchOfExactlyThatColorIsMarked) {
-    const std::pair<QString, QString> cases[] = {{u"#8A1B1B"_s, u"Red"_s},
-                                                 {u"#8a1b1b"_s, {}},
-                                                 {u"#123456"_s, {}},
-                                                 {u"#103847"_s, u"Teal"_s}};
-    for (const auto& [stored, marked] : cases) {
-        state().settings.update(
-            [&hex = stored](AppSettings& changed) { changed.defaultColorHex = hex; });
-        settle();
-        for (const QString& name : m_swatches) {
-            EXPECT_EQ(isOn(name), name == marked) << stored.toStdString();
-            EXPECT_EQ(ringOf(name) == VeylaTheme::accentBlue(), name == marked);
-        }
-        EXPECT_EQ(settings().defaultColorHex, stored) << "showing it must not change it";
-    }
 }
 
 TEST_F(SettingsWindowTest, TheLoginSwitchIsWhatTheDesktopHas) {
@@ -134,7 +104,6 @@ TEST_F(SettingsWindowTest, TheLoginSwitchIsWhatTheDesktopHas) {
     m_loginItem.isOn = false;
     m_view->close();
     m_view->show();
-    settle();
     EXPECT_FALSE(isOn(name));
     EXPECT_FALSE(has(*m_loginItem.failure)) << "of another time";
     EXPECT_EQ(view(name)->accessibleDescription(), QString()) << "of another time";

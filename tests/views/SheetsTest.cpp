@@ -23,17 +23,12 @@ protected:
             std::make_unique<WhatsNewSheet>(state(), desktop().mainLoop, *all<SheetArea>().at(0));
         settle();
     }
-    QRect sheetRect() {
-        const auto sheets = all<Sheet>();
-        const auto shown = std::find_if(sheets.begin(), sheets.end(),
-                                        [](const Sheet* each) { return each->isVisible(); });
-        return shown == sheets.end() ? QRect() : (*shown)->geometry();
+    /// Null without one.
+    QWidget* sheet() {
+        return find([](QWidget* each) { return dynamic_cast<const Sheet*>(each); });
     }
-    QString sheetName() {
-        for (const Sheet* const each : all<Sheet>())
-            if (each->isVisible()) return each->accessibleName();
-        return {};
-    }
+    QRect sheetRect() { return sheet() ? sheet()->geometry() : QRect(); }
+    QString sheetName() { return sheet() ? sheet()->accessibleName() : QString(); }
     QLineEdit& field(const QString& name) { return *static_cast<QLineEdit*>(view(name)); }
     static bool isInSheet(const QWidget* view) {
         while (view && !dynamic_cast<const Sheet*>(view))
@@ -45,6 +40,18 @@ protected:
     }
     void setFrontmost(const QString& name) {
         state().currentFrontmostAppName.set(name);
+        settle();
+    }
+    void present(SheetLevel level) {
+        if (level == SheetLevel::releaseNotes) state().isWhatsNewPresented.set(true);
+        if (level == SheetLevel::help) state().isHelpPresented.set(true);
+        if (level == SheetLevel::savePreset) state().beginSavePresetFlow();
+        settle();
+    }
+    /// Release notes with those changes.
+    void setNotes(const QStringList& changes, const std::optional<QString>& tag = {}) {
+        state().latestChangelog.set(ChangelogRelease{
+            .version = u"9.8"_s, .date = {}, .dateLabel = {}, .tag = tag, .changes = changes});
         settle();
     }
 
@@ -60,8 +67,7 @@ TEST_F(SheetsTest, ASheetKeepsTheKeyboardAndGivesItBack) {
     view(u"Duplicate"_s)->setFocus();
     const int childCount = QAccessible::queryAccessibleInterface(m_view.get())->childCount();
     EXPECT_GT(childCount, 1);
-    state().beginSavePresetFlow();
-    settle();
+    present(SheetLevel::savePreset);
     QAccessibleInterface* const told = QAccessible::queryAccessibleInterface(m_view.get());
     ASSERT_EQ(told->childCount(), 1) << "what lies behind is told";
     EXPECT_EQ(told->indexOfChild(told->child(0)), 0);
@@ -93,10 +99,8 @@ TEST_F(SheetsTest, ASheetKeepsTheKeyboardAndGivesItBack) {
     EXPECT_TRUE(view(u"Duplicate"_s)->hasFocus());
     EXPECT_EQ(QAccessible::queryAccessibleInterface(m_view.get())->childCount(), childCount);
 
-    state().beginSavePresetFlow();
-    settle();
+    present(SheetLevel::savePreset);
     state().replayOnboarding();
-    settle();
     EXPECT_TRUE(field(u"preset-name-field"_s).hasFocus()) << "the walkthrough waits behind";
     press(Qt::Key_Escape);
     EXPECT_TRUE(view(u"onboarding-overlay"_s)->hasFocus());
@@ -104,18 +108,11 @@ TEST_F(SheetsTest, ASheetKeepsTheKeyboardAndGivesItBack) {
 
 TEST_F(SheetsTest, TheTopmostIsSeenAndThenTheNext) {
     openDashboard();
-    const struct {
-        const char* asked;
-        QString seen;
-    } order[] = {{"help", u"How Veyla Works"_s},
-                 {"release notes", u"How Veyla Works"_s},
-                 {"save", u"Save Preset"_s}};
-    for (const auto& [asked, seen] : order) {
-        if (asked == std::string("help")) state().isHelpPresented.set(true);
-        if (asked == std::string("release notes")) state().presentWhatsNew();
-        if (asked == std::string("save")) state().beginSavePresetFlow();
-        settle();
-        EXPECT_EQ(sheetName(), seen) << asked;
+    for (const auto& [level, seen] : {std::pair(SheetLevel::help, u"How Veyla Works"_s),
+                                      {SheetLevel::releaseNotes, u"How Veyla Works"_s},
+                                      {SheetLevel::savePreset, u"Save Preset"_s}}) {
+        present(level);
+        EXPECT_EQ(sheetName(), seen);
     }
     press(Qt::Key_Escape);
     EXPECT_EQ(sheetName(), u"How Veyla Works");
@@ -133,20 +130,14 @@ TEST_F(SheetsTest, TheTopmostIsSeenAndThenTheNext) {
 TEST_F(SheetsTest, APresetIsSavedFromItsDrafts) {
     openDashboard();
     setFrontmost(u"<b>Zoom</b>"_s);
-    const auto begin = [&] {
-        state().beginSavePresetFlow();
-        settle();
-    };
-    begin();
-    EXPECT_TRUE(hasText(u"Capture current masks as a reusable layout."_s));
-    EXPECT_EQ(field(u"preset-name-field"_s).placeholderText(), u"Demo Privacy");
-    EXPECT_EQ(field(u"preset-trigger-field"_s).placeholderText(), u"Manual, OBS, Zoom");
+    present(SheetLevel::savePreset);
     EXPECT_EQ(field(u"preset-trigger-field"_s).text(), u"Manual");
     const QString target = u"Will auto-apply when %1 becomes active."_s;
     EXPECT_FALSE(has(target.arg(u"<b>Zoom</b>"_s)));
     click(u"Auto-apply for current frontmost app"_s);
     EXPECT_TRUE(has(target.arg(u"<b>Zoom</b>"_s)));
     setFrontmost(u"OBS"_s);
+    state().currentFrontmostBundleIdentifier.set(u"org.example.Recorder"_s);
     EXPECT_TRUE(has(target.arg(u"OBS"_s)));
 
     field(u"preset-name-field"_s).setFocus();
@@ -170,45 +161,30 @@ TEST_F(SheetsTest, APresetIsSavedFromItsDrafts) {
     EXPECT_EQ(preset.trigger, u"OBS");
     EXPECT_TRUE(preset.autoApply);
     EXPECT_EQ(preset.targetAppName, u"OBS");
+    EXPECT_EQ(preset.targetBundleIdentifier, u"org.example.Recorder");
     EXPECT_EQ(sheetName(), QString());
 
-    begin();
+    present(SheetLevel::savePreset);
     EXPECT_EQ(field(u"preset-name-field"_s).text(), u"Preset 2") << "fresh drafts";
     EXPECT_FALSE(has(target.arg(u"OBS"_s)));
     click(u"Cancel"_s);
     EXPECT_EQ(sheetName(), QString());
     EXPECT_EQ(state().presets.value().size(), 1);
+    present(SheetLevel::savePreset);
+    field(u"preset-trigger-field"_s).setFocus();
+    type(u"  "_s);
+    press(Qt::Key_Return);
+    ASSERT_EQ(state().presets.value().size(), 2);
+    EXPECT_EQ(state().presets.value().first().trigger, u"Manual");
+    EXPECT_EQ(state().presets.value().first().targetAppName, std::nullopt);
 }
 
 TEST_F(SheetsTest, TheHelpExplainsAndFollowsTheFrontmostApplication) {
     openDashboard();
     setFrontmost(u"Zoom"_s);
-    state().isHelpPresented.set(true);
-    settle();
+    present(SheetLevel::help);
     EXPECT_TRUE(has(u"help-view"_s));
     EXPECT_EQ(sheetRect().width(), 520);
-    const QStringList texts{
-        u"How Veyla Works"_s,
-        (u"Veyla places floating masks above your apps so you can hide sensitive or distracting UI "
-         "during demos, streaming, and screen sharing."_s),
-        u"Move"_s,
-        u"Click and drag anywhere inside a mask."_s,
-        u"Resize"_s,
-        u"Drag any edge or corner. The cursor changes to show resize mode."_s,
-        u"Click-through"_s,
-        (u"Turn on click-through when the mask is positioned and should stop intercepting "
-         "clicks."_s),
-        u"Profiles"_s,
-        u"Editing lock"_s,
-        u"Lock editing to freeze all masks in place while keeping them visible."_s,
-        u"Useful shortcuts"_s,
-        u"Control-Option-Command-N creates a mask."_s,
-        u"Control-Option-Command-H hides or shows all masks."_s,
-        u"Control-Option-Command-L locks or unlocks editing."_s,
-        u"Control-Option-Command-S toggles the dashboard window."_s,
-        u"Close"_s};
-    for (const QString& text : texts)
-        EXPECT_TRUE(hasText(text)) << text.toStdString();
     const QString profiles =
         u"Save the current layout as a preset. You can auto-apply one for %1 or any other "
         "frontmost app."_s;
@@ -224,44 +200,41 @@ TEST_F(SheetsTest, TheHelpExplainsAndFollowsTheFrontmostApplication) {
 
 TEST_F(SheetsTest, ReleaseNotesAreLoadingShownOrReplaced) {
     openDashboard();
-    const auto release = [](const std::optional<QString>& tag, const QStringList& changes) {
-        return ChangelogRelease{
-            .version = u"9.8"_s, .date = {}, .dateLabel = {}, .tag = tag, .changes = changes};
-    };
+    using Changes = QStringList;
     const QString running = u"Version "_s + state().applicationVersion();
     const QString offline = u"You're on version "_s + state().applicationVersion() +
                             u". See the full changelog online."_s;
     const struct {
         const char* state;
-        std::optional<ChangelogRelease> release;
-        std::optional<QString> error;
+        std::optional<Changes> changes;
+        std::optional<QString> tag, error;
         QStringList shown;
         QStringList absent;
     } cases[] = {
-        {"loading", {}, {}, {running, u"Loading release notes…"_s}, {offline}},
+        {"loading", {}, {}, {}, {running, u"Loading release notes…"_s}, {offline}},
         {"fallback",
+         {},
          {},
          u"The error's own text"_s,
          {running, u"Couldn't load the latest notes."_s, offline, u"Open Changelog"_s},
          {u"Loading release notes…"_s, u"The error's own text"_s}},
         {"notes",
-         release(u"Beta"_s, {u"A <b>"_s}),
+         Changes{u"A <b>"_s},
+         u"Beta"_s,
          {},
          {u"Version 9.8 · Beta"_s, u"A <b>"_s},
          {offline, u"Loading release notes…"_s}},
-        {"no tag", release({}, {u"A"_s}), {}, {u"Version 9.8"_s}, {u"A <b>"_s}},
-        {"an empty tag", release(QString(), {}), {}, {u"Version 9.8"_s}, {u"A"_s}},
-        {"notes, then an error", release({}, {u"B"_s}), u"failed"_s, {u"B"_s}, {offline}},
+        {"no tag", Changes{u"A"_s}, {}, {}, {u"Version 9.8"_s}, {u"A <b>"_s}},
+        {"an empty tag", Changes{}, QString(), {}, {u"Version 9.8"_s}, {u"A"_s}},
+        {"notes, then an error", Changes{u"B"_s}, {}, u"failed"_s, {u"B"_s}, {offline}},
     };
-    state().isWhatsNewPresented.set(true);
-    settle();
+    present(SheetLevel::releaseNotes);
     EXPECT_EQ(sheetRect().width(), 460);
     EXPECT_TRUE(has(u"whats-new-view"_s) && hasText(u"What's New"_s));
-    for (const auto& [name, latest, error, shown, absent] : cases) {
+    for (const auto& [name, changes, tag, error, shown, absent] : cases) {
         SCOPED_TRACE(name);
-        state().latestChangelog.set(latest);
         state().changelogError.set(error);
-        settle();
+        changes ? setNotes(*changes, tag) : settle();
         for (const QString& text : shown)
             EXPECT_TRUE(hasText(text)) << text.toStdString();
         for (const QString& text : absent)
@@ -269,22 +242,23 @@ TEST_F(SheetsTest, ReleaseNotesAreLoadingShownOrReplaced) {
         EXPECT_EQ(all<Spinner>().at(0)->isVisible(), name == std::string("loading"));
         EXPECT_TRUE(view(u"whats-new-continue-button"_s)->hasFocus());
     }
-    state().latestChangelog.set(release({}, QStringList(40, u"The same change"_s)));
-    settle();
-    int count = 0;
-    for (const QWidget* const each : all<QWidget>())
-        if (each->property("text") == u"The same change"_s && each->isVisible()) ++count;
-    EXPECT_EQ(count, 40) << "equal texts are all listed";
+    setNotes(QStringList(40, u"The same change"_s));
+    const auto views = all<QWidget>();
+    EXPECT_EQ(std::count_if(views.begin(), views.end(),
+                            [](const QWidget* each) {
+                                return each->isVisible() &&
+                                       each->property("text") == u"The same change"_s;
+                            }),
+              40)
+        << "equal texts are all listed";
     EXPECT_EQ(all<NotesList>().at(0)->height(), 280);
     const QString address = u"https://"_s + QString(300, u'x');
-    state().latestChangelog.set(release({}, {u"See "_s + address}));
-    settle();
+    setNotes({u"See "_s + address});
     QWidget* const note = view(u"See "_s + address);
     EXPECT_GT(note->height(), 3 * note->fontMetrics().height());
     EXPECT_LE(note->mapTo(m_view.get(), note->rect().topRight()).x(), sheetRect().right() - 28)
         << "a long word is cut off";
-    state().latestChangelog.set(release({}, QStringList(40, u"The same change"_s)));
-    settle();
+    setNotes(QStringList(40, u"The same change"_s));
     press(Qt::Key_Tab);
     press(Qt::Key_Tab);
     EXPECT_EQ(nameOf(QApplication::focusWidget()), u"Release notes") << "to scroll them by keys";
@@ -306,18 +280,12 @@ TEST_F(SheetsTest, ReleaseNotesAreLoadingShownOrReplaced) {
 
 TEST_F(SheetsTest, ASheetIsInsideItsWindowAtAnySize) {
     openDashboard();
-    state().latestChangelog.set(ChangelogRelease{.version = u"1"_s,
-                                                 .date = {},
-                                                 .dateLabel = {},
-                                                 .tag = {},
-                                                 .changes = QStringList(40, u"Change"_s)});
-    state().isWhatsNewPresented.set(true);
-    settle();
+    setNotes(QStringList(40, u"Change"_s));
+    present(SheetLevel::releaseNotes);
     const QRect large = sheetRect();
     for (const QSize size :
          {QSize(1180, 740), QSize(900, 420), QSize(900, 240), QSize(1300, 900)}) {
         m_view->resize(size);
-        settle();
         EXPECT_TRUE(m_view->rect().contains(sheetRect())) << testing::PrintToString(sheetRect());
         EXPECT_LE((sheetRect().center() - m_view->rect().center()).manhattanLength(), 2);
         EXPECT_EQ(sheetRect().width(), 460);
@@ -357,20 +325,11 @@ TEST_F(SheetsTest, NothingIsCutOffInLargerText) {
     large.setPixelSize(26);
     QApplication::setFont(large);
     openDashboard({1400, 900});
-    state().latestChangelog.set(
-        ChangelogRelease{.version = u"1"_s,
-                         .date = {},
-                         .dateLabel = {},
-                         .tag = {},
-                         .changes = {u"A change that needs more than one line to be told"_s}});
+    setNotes({u"A change that needs more than one line to be told"_s});
     for (const SheetLevel level :
          {SheetLevel::releaseNotes, SheetLevel::help, SheetLevel::savePreset}) {
-        if (level == SheetLevel::releaseNotes) state().isWhatsNewPresented.set(true);
-        if (level == SheetLevel::help) state().isHelpPresented.set(true);
-        if (level == SheetLevel::savePreset) state().beginSavePresetFlow();
-        settle();
+        present(level);
         state().presetDraftAutoApply.set(true);
-        settle();
         for (QWidget* const each : all<QWidget>()) {
             const bool isText = dynamic_cast<TextLabel*>(each) || dynamic_cast<StyledButton*>(each);
             if (!isText || !each->isVisible() || !isInSheet(each)) continue;

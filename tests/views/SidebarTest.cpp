@@ -16,19 +16,19 @@ namespace {
 
 class SidebarTest : public DashboardFixture {
 protected:
-    QWidget* row(const QUuid& mask) const { return view(u"mask-row-"_s + uuidText(mask)); }
-    QWidget* groupRow(qsizetype index = 0) const {
+    QWidget* row(const QUuid& mask) { return view(u"mask-row-"_s + uuidText(mask)); }
+    QWidget* groupRow(qsizetype index = 0) {
         return view(u"group-row-"_s + uuidText(state().groups.value().at(index).id));
     }
-    LayerList& list() const { return *all<LayerList>().at(0); }
-    QList<QWidget*> rows() const {
+    LayerList& list() { return *all<LayerList>().at(0); }
+    QList<QWidget*> rows() {
         QList<QWidget*> all;
         for (auto* const each : list().findChildren<QWidget*>())
             if (each->isVisible() && !accessibleIdentifier(*each).isEmpty()) all << each;
         std::sort(all.begin(), all.end(), [](auto* a, auto* b) { return a->y() < b->y(); });
         return all;
     }
-    QStringList lines() const {
+    QStringList lines() {
         QStringList names;
         for (QWidget* const each : rows())
             names << each->accessibleName();
@@ -37,7 +37,7 @@ protected:
     bool isInView(QWidget* row) const {
         return row->visibleRegion().boundingRect().height() == row->height();
     }
-    QLineEdit* nameField() const { return groupRow()->findChild<QLineEdit*>(); }
+    QLineEdit* nameField() { return groupRow()->findChild<QLineEdit*>(); }
 
     /// Whether the drop is taken.
     bool drop(QWidget* target, const QMimeData& payload, QPoint position = {20, 10}) {
@@ -50,9 +50,6 @@ protected:
         settle();
         return event.isAccepted();
     }
-
-    // The fixture's own is not const.
-    AppState& state() const { return *m_state; }
 };
 
 }  // namespace
@@ -66,7 +63,6 @@ TEST_F(SidebarTest, CountersAndButtonsTellAndChangeTheState) {
     EXPECT_EQ(state().selectedMaskID.value(), mask().id);
     state().beginSavePresetFlow();
     state().confirmSavePreset();
-    settle();
     EXPECT_TRUE(has(u"Masks: 1"_s) && has(u"Presets: 1"_s));
 
     EXPECT_EQ(nameOf(view(u"toggle-all-visibility-button"_s)), u"Hide All");
@@ -112,27 +108,21 @@ TEST_F(SidebarTest, ListsGroupsWithTheirMasksThenTheOthers) {
         EXPECT_EQ(isSelected(inside), each == inside);
     }
     state().deleteGroup(group().id);
-    settle();
     EXPECT_EQ(lines(), (QStringList{u"Folded, 1 mask"_s, firstLine, insideLine}));
 }
 
 TEST_F(SidebarTest, GroupHeadersAndTheirMenusChangeTheGroup) {
-    addGroup(u"Group 4"_s);
-    addGroup(u"B"_s);
-    addGroup(u"C"_s);
-    addMaskTo(group().id, u"Inside"_s);
+    addMaskTo(addGroup(u"Group 4"_s), u"Inside"_s);
     open();
     for (const bool isOn : {false, true}) {
         click(groupRow()->findChildren<QPushButton*>().at(0));
         EXPECT_EQ(group().isExpanded, isOn);
-        EXPECT_EQ(lines().size(), isOn ? 4 : 3);
+        EXPECT_EQ(lines().size(), isOn ? 2 : 1);
     }
     for (const bool isHeader : {true, false}) {
         const auto use = [&](const QString& title) {
             isHeader ? click(title) : choose(contextMenu(groupRow()), title);
         };
-        state().groups.update([](QList<MaskGroup>& all) { all.resize(1); });
-        settle();
         EXPECT_EQ(titles(contextMenu(groupRow())),
                   (QStringList{u"Rename"_s, u"Hide Group"_s, u"Lock Group"_s, u"Delete Group"_s}));
         openMenu()->close();
@@ -143,10 +133,9 @@ TEST_F(SidebarTest, GroupHeadersAndTheirMenusChangeTheGroup) {
         use(u"Show Group"_s);
         use(u"Unlock Group"_s);
         EXPECT_TRUE(group().isVisible && !group().isLocked);
-        addGroup(u"B"_s);
-        addGroup(u"C"_s);
-        settle();
     }
+    addGroup(u"B"_s);
+    addGroup(u"C"_s);
     click(u"Layer options"_s);
     ASSERT_NE(openMenu(), nullptr);
     EXPECT_EQ(titles(openMenu()), QStringList(u"New Group…"_s));
@@ -178,7 +167,6 @@ TEST_F(SidebarTest, RenamingCommitsOnlyANameThatIsNotBlank) {
         } else if (way == 1) {
             QTest::mouseDClick(m_view->windowHandle(), Qt::LeftButton, {},
                                view(former)->mapTo(m_view.get(), QPoint(2, 2)));
-            settle();
         } else {
             groupRow()->setFocus();
             press(Qt::Key_F2);
@@ -189,7 +177,6 @@ TEST_F(SidebarTest, RenamingCommitsOnlyANameThatIsNotBlank) {
         EXPECT_EQ(nameField()->placeholderText(), u"Group name");
         type(typed);
         state().setOpacity(mask().id, 0.1 * way);
-        settle();
         EXPECT_EQ(nameField()->text(), typed) << "a change elsewhere does not disturb the typing";
         EXPECT_EQ(group().name, former);
         press(key);
@@ -206,7 +193,6 @@ TEST_F(SidebarTest, MasksMoveIntoGroupsByMenuAndDrop) {
     EXPECT_EQ(contextMenu(row(mask)), nullptr) << "a menu without groups";
     addGroup(u"R&D"_s);
     addMaskTo(addGroup(u"Second\nline"_s), u"Inside"_s);
-    settle();
     QMenu* const menu = contextMenu(row(mask));
     ASSERT_NE(menu, nullptr);
     EXPECT_EQ(titles(menu), QStringList(u"Move to Group"_s));
@@ -238,7 +224,6 @@ TEST_F(SidebarTest, MasksMoveIntoGroupsByMenuAndDrop) {
         EXPECT_EQ(masks().at(0).groupID, group(moves ? 1 : 0).id);
         EXPECT_TRUE(moves || masks() == before);
         state().addMaskToGroup(mask, group().id);
-        settle();
     }
     QMimeData payload;
     payload.setText(id);
@@ -284,7 +269,6 @@ TEST_F(SidebarTest, ALongListHasAScreenfulOfRowsAndTheKeyboardWalksThroughIt) {
     // The keyboard stays where it is when the list is scrolled away below it.
     press(Qt::Key_Down);
     list().verticalScrollBar()->setValue(list().verticalScrollBar()->maximum());
-    settle();
     EXPECT_EQ(list().verticalScrollBar()->value(), list().verticalScrollBar()->maximum());
     press(Qt::Key_Down);
     EXPECT_TRUE(isFocused(mask(1).id));
@@ -293,7 +277,6 @@ TEST_F(SidebarTest, ALongListHasAScreenfulOfRowsAndTheKeyboardWalksThroughIt) {
     const QUuid next = mask(2).id;
     state().selectMask(mask(1).id);
     state().deleteSelectedMask();
-    settle();
     EXPECT_TRUE(isFocused(next));
 }
 
@@ -303,7 +286,6 @@ TEST_F(SidebarTest, TabGoesFromTopToBottom) {
     addMaskTo(group().id, u"Inside"_s);
     addGroup(u"Two"_s);
     addMask(u"Outside"_s, {0, 0, 320, 180});
-    settle();
     view(u"Layer options"_s)->setFocus();
     QStringList names;
     for (int i = 0; i < 10; ++i) {
@@ -344,11 +326,9 @@ TEST_F(SidebarTest, TakesAnyNameAndTwiceTheSameIdentity) {
         EXPECT_EQ(m_view->size(), QSize(1180, 740)) << "the name makes the window larger";
         EXPECT_FALSE(m_view->grab().isNull());
         state().renameGroup(group().id, names[index]);
-        settle();
         EXPECT_EQ(groupRow()->width(), rows().at(1)->width());
     }
     state().masks.update([](QList<ScreenMask>& all) { all.append(all.first()); });
-    settle();
     const auto count = all<MaskRowView>().size();
     for (int i = 0; i < 3; ++i) {
         state().setOpacity(mask().id, 0.2 * i);

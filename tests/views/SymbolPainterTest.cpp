@@ -6,22 +6,21 @@
 #include <QRegularExpression>
 #include <QSvgRenderer>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 Symbol arrow(double size, SymbolWeight weight = SymbolWeight::regular) {
-    return {QStringLiteral("arrow.up.left.and.arrow.down.right"), size, weight,
-            QColor(200, 100, 50, 128)};
+    return {u"arrow.up.left.and.arrow.down.right"_s, size, weight, QColor(200, 100, 50, 128)};
 }
 
 /// Every symbol that the masks, the windows and the tray show.
 const QStringList usedSymbols =
-    QStringLiteral(
-        "MenuBarIcon arrow.triangle.2.circlepath arrow.up.left.and.arrow.down.right "
-        "checkmark.circle.fill chevron.down chevron.right doc.on.doc eye eye.slash figure.walk "
-        "folder.fill gearshape line.3.horizontal.decrease lock lock.fill lock.open macwindow "
-        "pencil plus plus.circle rectangle.stack shield.slash slider.horizontal.3 sparkles "
-        "square.and.arrow.down trash wifi.slash")
-        .split(QLatin1Char(' '));
+    u"MenuBarIcon arrow.triangle.2.circlepath arrow.up.left.and.arrow.down.right "
+    "checkmark.circle.fill chevron.down chevron.right doc.on.doc eye eye.slash figure.walk "
+    "folder.fill gearshape line.3.horizontal.decrease lock lock.fill lock.open macwindow "
+    "pencil plus plus.circle rectangle.stack shield.slash slider.horizontal.3 sparkles "
+    "square.and.arrow.down trash wifi.slash"_s.split(u' ');
 
 int coveredAlpha(const QImage& image) {
     int sum = 0;
@@ -80,8 +79,8 @@ TEST(SymbolPainter, CentresTheDrawingOnWholePixels) {
 
 TEST(SymbolPainter, DrawsNothingForAnUnknownName) {
     EXPECT_TRUE(SymbolPainter::hasSymbol(arrow(8).name));
-    EXPECT_FALSE(SymbolPainter::hasSymbol(QStringLiteral("no.such.symbol")));
-    const Symbol unknown{QStringLiteral("no.such.symbol"), 16, SymbolWeight::regular, Qt::red};
+    EXPECT_FALSE(SymbolPainter::hasSymbol(u"no.such.symbol"_s));
+    const Symbol unknown{u"no.such.symbol"_s, 16, SymbolWeight::regular, Qt::red};
     EXPECT_TRUE(SymbolPainter::image(unknown, 2).isNull());
     QImage image(20, 20, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
@@ -92,15 +91,15 @@ TEST(SymbolPainter, DrawsNothingForAnUnknownName) {
 }
 
 TEST(IconSet, IsDrawnOnOneGridInOneStyle) {
-    const QRegularExpression strokes(QStringLiteral("stroke-width=\"([^\"]*)\""));
-    const QStringList files = QDir(QStringLiteral(":/icons")).entryList({QStringLiteral("*.svg")});
+    const QRegularExpression strokes(u"stroke-width=\"([^\"]*)\""_s);
+    const QStringList files = QDir(u":/icons"_s).entryList({u"*.svg"_s});
     ASSERT_FALSE(files.isEmpty());
     for (const QString& name : files) {
         SCOPED_TRACE(name.toStdString());
-        QFile file(QStringLiteral(":/icons/") + name);
+        QFile file(u":/icons/"_s + name);
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
         const QString drawing = QString::fromUtf8(file.readAll());
-        EXPECT_TRUE(drawing.contains(QStringLiteral("viewBox=\"0 0 24 24\"")));
+        EXPECT_TRUE(drawing.contains(u"viewBox=\"0 0 24 24\""_s));
         for (const QRegularExpressionMatch& match : strokes.globalMatch(drawing))
             EXPECT_EQ(match.captured(1).toStdString(), "2");
 
@@ -138,12 +137,12 @@ TEST(IconSet, HasADrawingOfItsOwnForEverySymbolInUse) {
                 << "looks like " << other.key().toStdString();
         drawn.insert(name, image);
     }
-    const QStringList files = QDir(QStringLiteral(":/icons")).entryList({QStringLiteral("*.svg")});
+    const QStringList files = QDir(u":/icons"_s).entryList({u"*.svg"_s});
     EXPECT_EQ(files.size(), drawn.size()) << "a drawing that nothing uses";
 }
 
 TEST(AppIcon, IsADarkRoundedSquareWithTheMaskOnIt) {
-    QSvgRenderer renderer(QStringLiteral(":/app/app.veyla.Veyla.svg"));
+    QSvgRenderer renderer(u":/app/app.veyla.Veyla.svg"_s);
     ASSERT_TRUE(renderer.isValid());
     for (const int side : {16, 32, 64, 256}) {
         QImage image(side, side, QImage::Format_ARGB32_Premultiplied);

@@ -11,38 +11,6 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-TEST(VeylaTheme, HasItsColours) {
-    const struct {
-        const char* name;
-        QColor color;
-        QString expected;
-    } colors[] = {
-        {"background", VeylaTheme::background(), u"#ff090a0f"_s},
-        {"window", VeylaTheme::window(), u"#ff0a0b10"_s},
-        {"windowSecondary", VeylaTheme::windowSecondary(), u"#ff0a0b10"_s},
-        {"sidebar", VeylaTheme::sidebar(), u"#ff0e1017"_s},
-        {"sidebarSecondary", VeylaTheme::sidebarSecondary(), u"#ff161a24"_s},
-        {"panel", VeylaTheme::panel(), u"#ff11131e"_s},
-        {"panelElevated", VeylaTheme::panelElevated(), u"#ff141826"_s},
-        {"panelMuted", VeylaTheme::panelMuted(), u"#ff0f1320"_s},
-        {"border", VeylaTheme::border(), u"#12ffffff"_s},
-        {"softBorder", VeylaTheme::softBorder(), u"#0dffffff"_s},
-        {"textPrimary", VeylaTheme::textPrimary(), u"#f5ffffff"_s},
-        {"textSecondary", VeylaTheme::textSecondary(), u"#ff94a3b8"_s},
-        {"textMuted", VeylaTheme::textMuted(), u"#ff64748b"_s},
-        {"accentBlue", VeylaTheme::accentBlue(), u"#ff6366f1"_s},
-        {"accentIndigo", VeylaTheme::accentIndigo(), u"#ff8b5cf6"_s},
-        {"accentGreen", VeylaTheme::accentGreen(), u"#ff10b981"_s},
-        {"accentRed", VeylaTheme::accentRed(), u"#fff43f5e"_s},
-    };
-    for (const auto& [name, color, expected] : colors)
-        EXPECT_EQ(color.name(QColor::HexArgb), expected) << name;
-    const QLinearGradient gradient = VeylaTheme::primaryGradient({10, 20, 100, 40});
-    EXPECT_EQ(gradient.start(), QPointF(10, 20));
-    EXPECT_EQ(gradient.finalStop(), QPointF(110, 20));
-    EXPECT_EQ(gradient.stops(), (QGradientStops{{0, u"#4F46E5"_s}, {1, u"#7C3AED"_s}}));
-}
-
 namespace {
 
 double contrast(const QColor& a, const QColor& b) {

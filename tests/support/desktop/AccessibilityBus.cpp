@@ -2,13 +2,14 @@
 
 #include "support/desktop/Wait.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 /// Makes one call with dbus-send; the text of its answer, or nothing when it failed. A call by
 /// QtDBus would set up the bus connections of this process before its application object is there.
 std::optional<QString> call(const QProcessEnvironment& environment, const QStringList& arguments) {
-    ChildProcess sender(QStringLiteral("dbus-send"),
-                        QStringList{QStringLiteral("--print-reply=literal")} + arguments,
+    ChildProcess sender(u"dbus-send"_s, QStringList{u"--print-reply=literal"_s} + arguments,
                         environment);
     if (sender.waitForExit(defaultWait) != 0) return std::nullopt;
     return QString::fromUtf8(sender.standardOutput()).trimmed();
@@ -17,21 +18,17 @@ std::optional<QString> call(const QProcessEnvironment& environment, const QStrin
 }  // namespace
 
 AccessibilityBus::AccessibilityBus(const QProcessEnvironment& environment)
-    : m_launcher(QStringLiteral("/usr/libexec/at-spi-bus-launcher"),
-                 {QStringLiteral("--launch-immediately")}, environment) {
+    : m_launcher(u"/usr/libexec/at-spi-bus-launcher"_s, {u"--launch-immediately"_s}, environment) {
     requireSoon("the session bus knows the accessibility bus", [&] {
-        m_address =
-            call(environment,
-                 {QStringLiteral("--session"), QStringLiteral("--dest=org.a11y.Bus"),
-                  QStringLiteral("/org/a11y/bus"), QStringLiteral("org.a11y.Bus.GetAddress")})
-                .value_or(QString());
+        m_address = call(environment, {u"--session"_s, u"--dest=org.a11y.Bus"_s, u"/org/a11y/bus"_s,
+                                       u"org.a11y.Bus.GetAddress"_s})
+                        .value_or(QString());
         return !m_address.isEmpty();
     });
     requireSoon("the accessibility registry answers", [&] {
-        return call(environment, {QStringLiteral("--bus=") + m_address,
-                                  QStringLiteral("--dest=org.a11y.atspi.Registry"),
-                                  QStringLiteral("/org/a11y/atspi/registry"),
-                                  QStringLiteral("org.freedesktop.DBus.Peer.Ping")})
+        return call(environment,
+                    {u"--bus="_s + m_address, u"--dest=org.a11y.atspi.Registry"_s,
+                     u"/org/a11y/atspi/registry"_s, u"org.freedesktop.DBus.Peer.Ping"_s})
             .has_value();
     });
 }

@@ -111,6 +111,11 @@ std::optional<int> ChildProcess::waitForExit(std::chrono::milliseconds timeout) 
     return m_exitStatus;
 }
 
+ChildProcess::Outcome ChildProcess::waitForOutcome() {
+    const auto status = waitForExit(defaultWait);
+    return {status, standardOutput(), standardError()};
+}
+
 void ChildProcess::sendSignal(int signalNumber) {
     if (!m_exitStatus) kill(m_pid, signalNumber);
 }
@@ -162,4 +167,15 @@ void ChildProcess::reap() {
     while (waitpid(-m_pid, nullptr, 0) > 0) {
     }
     m_exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+QByteArray shellOutput(const QString& folder, const QString& commands) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("FOLDER"), folder);
+    ChildProcess shell(QStringLiteral("sh"),
+                       {QStringLiteral("-ec"), QStringLiteral("cd \"$FOLDER\"; ") + commands},
+                       environment);
+    const auto outcome = shell.waitForOutcome();
+    if (outcome.status != 0) throw std::runtime_error(outcome.error.toStdString());
+    return outcome.output.trimmed();
 }

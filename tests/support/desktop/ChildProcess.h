@@ -14,6 +14,16 @@
 /// that lives as long as they should (the main one).
 class ChildProcess {
 public:
+    /// What a program has come to.
+    struct Outcome {
+        /// As `exitStatus` tells.
+        std::optional<int> status;
+        QByteArray output;
+        QByteArray error;
+
+        bool operator==(const Outcome&) const = default;
+    };
+
     /// Starts the program, looked up in PATH, with exactly that environment and an empty standard
     /// input. Throws std::runtime_error when it cannot be started.
     ChildProcess(const QString& program, const QStringList& arguments,
@@ -35,6 +45,9 @@ public:
     /// Waits for the program to end by itself, while Qt events are delivered. Nothing when it still
     /// runs at the end of the time.
     std::optional<int> waitForExit(std::chrono::milliseconds timeout);
+
+    /// Waits in the same way, as long as tests wait.
+    Outcome waitForOutcome();
 
     /// Sends a signal to the program alone; nothing happens when it has ended.
     void sendSignal(int signalNumber);
@@ -61,3 +74,7 @@ private:
     int m_error = -1;
     std::optional<int> m_exitStatus;
 };
+
+/// What shell commands print that run in a folder, without the end of the last line. Throws
+/// std::runtime_error when one of them fails.
+QByteArray shellOutput(const QString& folder, const QString& commands);

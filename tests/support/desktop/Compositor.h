@@ -7,10 +7,7 @@ class Compositor {
 public:
     /// Returns when it owns the compositing selection of the display that the environment names.
     /// Throws std::runtime_error when that does not happen.
-    explicit Compositor(const QProcessEnvironment& environment,
-                        const QStringList& extraArguments = {});
-
-    ChildProcess& process() { return m_process; }
+    explicit Compositor(const QProcessEnvironment& environment);
 
 private:
     ChildProcess m_process;

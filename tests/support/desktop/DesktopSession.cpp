@@ -1,15 +1,16 @@
 #include "support/desktop/DesktopSession.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 DesktopSession::DesktopSession(const Options& options) : m_environment(m_home.environment()) {
     m_server = std::make_unique<XServer>(m_environment, options.server);
-    m_environment.insert(QStringLiteral("DISPLAY"), m_server->displayName());
+    m_environment.insert(u"DISPLAY"_s, m_server->displayName());
     m_bus = std::make_unique<DBusSession>(m_home, m_environment);
-    m_environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_bus->address());
+    m_environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, m_bus->address());
     if (options.hasAccessibilityBus) {
         m_accessibilityBus = std::make_unique<AccessibilityBus>(m_environment);
     }
     changeWindowManager(options.windowManager);
-    if (options.hasCompositor) startCompositor();
 }
 
 void DesktopSession::adoptEnvironment() const {
@@ -28,7 +29,7 @@ void DesktopSession::changeWindowManager(const QStringList& command) {
     }
 }
 
-void DesktopSession::startCompositor(const QStringList& extraArguments) {
+void DesktopSession::startCompositor() {
     m_compositor.reset();
-    m_compositor = std::make_unique<Compositor>(m_environment, extraArguments);
+    m_compositor = std::make_unique<Compositor>(m_environment);
 }

@@ -17,7 +17,6 @@ public:
         XServer::Options server{};
         /// Empty for a display without a window manager.
         QStringList windowManager{QStringLiteral("openbox")};
-        bool hasCompositor = false;
         bool hasAccessibilityBus = false;
     };
 
@@ -33,17 +32,13 @@ public:
 
     QString displayName() const { return m_server->displayName(); }
     TemporaryHome& home() { return m_home; }
-    XServer& server() { return *m_server; }
     DBusSession& bus() { return *m_bus; }
     /// Null when the options name none.
     AccessibilityBus* accessibilityBus() { return m_accessibilityBus.get(); }
-    ChildProcess* windowManager() {
-        return m_windowManager ? &m_windowManager->process() : nullptr;
-    }
 
     /// Ends the window manager, if any, and starts the given one; none for an empty command.
     void changeWindowManager(const QStringList& command);
-    void startCompositor(const QStringList& extraArguments = {});
+    void startCompositor();
     void stopCompositor() { m_compositor.reset(); }
 
 private:

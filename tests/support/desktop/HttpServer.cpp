@@ -1,9 +1,8 @@
 #include "support/desktop/HttpServer.h"
 
+#include "support/Files.h"
 #include "support/desktop/ChildProcess.h"
-#include "support/desktop/Wait.h"
 
-#include <QFile>
 #include <QSslCertificate>
 #include <QSslKey>
 #include <QSslServer>
@@ -35,23 +34,15 @@ HttpServer::~HttpServer() {
 
 QSslConfiguration HttpServer::selfSigned() {
     const QTemporaryDir folder;
-    const QString keyPath = folder.filePath(u"key.pem"_s);
-    const QString certificatePath = folder.filePath(u"certificate.pem"_s);
-    ChildProcess openssl(
-        u"openssl"_s,
-        {u"req"_s, u"-x509"_s, u"-newkey"_s, u"ec"_s, u"-pkeyopt"_s,
-         u"ec_paramgen_curve:prime256v1"_s, u"-nodes"_s, u"-days"_s, u"2"_s, u"-subj"_s,
-         u"/CN=127.0.0.1"_s, u"-addext"_s, u"subjectAltName=IP:127.0.0.1"_s, u"-keyout"_s, keyPath,
-         u"-out"_s, certificatePath},
-        QProcessEnvironment::systemEnvironment());
-    QFile keyFile(keyPath);
-    QFile certificateFile(certificatePath);
-    if (openssl.waitForExit(defaultWait) != 0 || !keyFile.open(QIODevice::ReadOnly) ||
-        !certificateFile.open(QIODevice::ReadOnly))
-        throw std::runtime_error("no certificate: " + openssl.standardError().toStdString());
+    shellOutput(
+        folder.path(),
+        u"openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2 "
+        "-subj /CN=127.0.0.1 -addext subjectAltName=IP:127.0.0.1 -keyout key.pem "
+        "-out certificate.pem"_s);
     QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-    configuration.setPrivateKey(QSslKey(keyFile.readAll(), QSsl::Ec));
-    configuration.setLocalCertificate(QSslCertificate(certificateFile.readAll()));
+    configuration.setPrivateKey(QSslKey(readFile(folder.filePath(u"key.pem"_s)), QSsl::Ec));
+    configuration.setLocalCertificate(
+        QSslCertificate(readFile(folder.filePath(u"certificate.pem"_s))));
     configuration.setPeerVerifyMode(QSslSocket::VerifyNone);
     return configuration;
 }

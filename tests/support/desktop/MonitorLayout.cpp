@@ -1,6 +1,5 @@
 #include "support/desktop/MonitorLayout.h"
 
-#include <algorithm>
 #include <array>
 #include <stdexcept>
 #include <sys/uio.h>
@@ -27,10 +26,9 @@ bool sendSetMonitor(const XClient& client, const std::vector<std::uint32_t>& mon
 }
 
 std::vector<xcb_randr_output_t> serverOutputs(const XClient& client) {
-    const XcbPtr<xcb_randr_get_screen_resources_current_reply_t> reply(
-        xcb_randr_get_screen_resources_current_reply(
-            client.connection(),
-            xcb_randr_get_screen_resources_current(client.connection(), client.root()), nullptr));
+    const auto reply =
+        client.reply(xcb_randr_get_screen_resources_current_reply,
+                     xcb_randr_get_screen_resources_current(client.connection(), client.root()));
     if (!reply) return {};
     const xcb_randr_output_t* first = xcb_randr_get_screen_resources_current_outputs(reply.get());
     return {first, first + xcb_randr_get_screen_resources_current_outputs_length(reply.get())};
@@ -39,7 +37,7 @@ std::vector<xcb_randr_output_t> serverOutputs(const XClient& client) {
 }  // namespace
 
 MonitorLayout::~MonitorLayout() {
-    reset();
+    removeAllBut({});
 }
 
 void MonitorLayout::set(const QList<Monitor>& monitors) {
@@ -78,13 +76,9 @@ bool MonitorLayout::add(const Monitor& monitor, bool isPrimary) {
     return sendSetMonitor(*this, request);
 }
 
-void MonitorLayout::reset() {
-    removeAllBut({});
-}
-
 QList<MonitorLayout::Monitor> MonitorLayout::current() const {
-    const XcbPtr<xcb_randr_get_monitors_reply_t> reply(xcb_randr_get_monitors_reply(
-        connection(), xcb_randr_get_monitors(connection(), root(), 1), nullptr));
+    const auto reply =
+        this->reply(xcb_randr_get_monitors_reply, xcb_randr_get_monitors(connection(), root(), 1));
     QList<Monitor> monitors;
     if (!reply) return monitors;
     for (auto entry = xcb_randr_get_monitors_monitors_iterator(reply.get()); entry.rem > 0;

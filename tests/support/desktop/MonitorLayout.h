@@ -23,9 +23,6 @@ public:
     /// std::runtime_error when the server refuses.
     void set(const QList<Monitor>& monitors);
 
-    /// One monitor over the whole screen again.
-    void reset();
-
     /// What the server says now, the primary one first.
     QList<Monitor> current() const;
 

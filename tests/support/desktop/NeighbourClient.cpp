@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <unistd.h>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 std::uint32_t number(int value) {
@@ -29,7 +31,23 @@ xcb_window_t NeighbourClient::create(const WindowOptions& options) {
                       static_cast<std::uint16_t>(frame.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
                       screen().root_visual,
                       XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
-    describe(window, options);
+    setText(window, u"_NET_WM_NAME"_s, options.title);
+    const QByteArray name = options.windowClass.toUtf8();
+    const QByteArray both = name + '\0' + name + '\0';
+    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS,
+                        XCB_ATOM_STRING, 8, number(static_cast<int>(both.size())), both.data());
+    setNumbers(window, u"_NET_WM_PID"_s, u"CARDINAL"_s, {number(getpid())});
+    const QByteArray machine = QSysInfo::machineHostName().toUtf8();
+    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLIENT_MACHINE,
+                        XCB_ATOM_STRING, 8, number(static_cast<int>(machine.size())),
+                        machine.data());
+    setNumbers(window, u"_MOTIF_WM_HINTS"_s, u"_MOTIF_WM_HINTS"_s, {2, 0, 0, 0, 0});
+    if (!options.windowType.isEmpty())
+        setNumbers(window, u"_NET_WM_WINDOW_TYPE"_s, u"ATOM"_s, {atom(options.windowType)});
+    // A position and size by the user (flags 1 and 2), so that the manager keeps them.
+    std::vector<std::uint32_t> hints(18, 0);
+    hints[0] = 3;
+    setNumbers(window, u"WM_NORMAL_HINTS"_s, u"WM_SIZE_HINTS"_s, hints);
     return window;
 }
 
@@ -43,19 +61,16 @@ xcb_window_t NeighbourClient::open(const WindowOptions& options) {
 xcb_window_t NeighbourClient::openDock(const QRect& frame, Edge edge) {
     const xcb_window_t window = open({.frame = frame,
                                       .color = Qt::darkGray,
-                                      .title = QStringLiteral("Dock"),
-                                      .windowType = QStringLiteral("_NET_WM_WINDOW_TYPE_DOCK")});
-    const QSize whole(screen().width_in_pixels, screen().height_in_pixels);
-    const bool isUpright = edge == Edge::left || edge == Edge::right;
-    const auto index = static_cast<std::size_t>(edge);
-    const int thickness[] = {frame.right() + 1, whole.width() - frame.left(), frame.bottom() + 1,
-                             whole.height() - frame.top()};
-    // Four thicknesses, then for each edge where it begins and ends.
+                                      .title = u"Dock"_s,
+                                      .windowType = u"_NET_WM_WINDOW_TYPE_DOCK"_s});
+    const bool isLeft = edge == Edge::left;
+    // The thicknesses at the left, right, top and bottom, then for each where it begins and ends.
     std::vector<std::uint32_t> strut(12, 0);
-    strut[index] = number(thickness[index]);
-    strut[4 + 2 * index] = number(isUpright ? frame.top() : frame.left());
-    strut[5 + 2 * index] = number(isUpright ? frame.bottom() : frame.right());
-    setNumbers(window, QStringLiteral("_NET_WM_STRUT_PARTIAL"), QStringLiteral("CARDINAL"), strut);
+    strut[isLeft ? 0 : 3] =
+        number(isLeft ? frame.right() + 1 : screen().height_in_pixels - frame.top());
+    strut[isLeft ? 4 : 10] = number(isLeft ? frame.top() : frame.left());
+    strut[isLeft ? 5 : 11] = number(isLeft ? frame.bottom() : frame.right());
+    setNumbers(window, u"_NET_WM_STRUT_PARTIAL"_s, u"CARDINAL"_s, strut);
     return window;
 }
 
@@ -97,13 +112,13 @@ void NeighbourClient::setColor(xcb_window_t window, const QColor& color) {
     roundTrip();
 }
 
-void NeighbourClient::requestState(xcb_window_t window, const QString& state, bool isOn) {
-    sendToManager(window, QStringLiteral("_NET_WM_STATE"), {isOn ? 1U : 0U, atom(state), 0, 1, 0});
+void NeighbourClient::requestState(xcb_window_t window, const QString& state) {
+    sendToManager(window, u"_NET_WM_STATE"_s, {1, atom(state), 0, 1, 0});
 }
 
 void NeighbourClient::requestActivation(xcb_window_t window) {
     // From a pager (2), whose requests no focus stealing prevention refuses.
-    sendToManager(window, QStringLiteral("_NET_ACTIVE_WINDOW"), {2, 0, 0, 0, 0});
+    sendToManager(window, u"_NET_ACTIVE_WINDOW"_s, {2, 0, 0, 0, 0});
 }
 
 bool NeighbourClient::grabKey(std::uint8_t keycode, std::uint16_t modifiers) {
@@ -126,11 +141,8 @@ QList<NeighbourInput> NeighbourClient::takeInput() {
         if (type != XCB_BUTTON_PRESS && type != XCB_KEY_PRESS) continue;
         // Key presses have the same layout.
         const auto* press = reinterpret_cast<const xcb_button_press_event_t*>(event.get());
-        input.append({.window = press->event,
-                      .isKey = type == XCB_KEY_PRESS,
-                      .detail = press->detail,
-                      .modifiers = press->state,
-                      .position = QPoint(press->root_x, press->root_y)});
+        input.append(
+            {.window = press->event, .isKey = type == XCB_KEY_PRESS, .detail = press->detail});
     }
     return input;
 }
@@ -155,34 +167,8 @@ void NeighbourClient::sendToManager(xcb_window_t window, const QString& type,
     roundTrip();
 }
 
-void NeighbourClient::describe(xcb_window_t window, const WindowOptions& options) {
-    const QString cardinal = QStringLiteral("CARDINAL");
-    setText(window, QStringLiteral("_NET_WM_NAME"), options.title);
-    const QByteArray name = options.windowClass.toUtf8();
-    const QByteArray both = name + '\0' + name + '\0';
-    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS,
-                        XCB_ATOM_STRING, 8, number(static_cast<int>(both.size())), both.data());
-    setNumbers(window, QStringLiteral("_NET_WM_PID"), cardinal, {number(getpid())});
-    const QByteArray machine = QSysInfo::machineHostName().toUtf8();
-    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLIENT_MACHINE,
-                        XCB_ATOM_STRING, 8, number(static_cast<int>(machine.size())),
-                        machine.data());
-    if (!options.hasDecorations) {
-        setNumbers(window, QStringLiteral("_MOTIF_WM_HINTS"), QStringLiteral("_MOTIF_WM_HINTS"),
-                   {2, 0, 0, 0, 0});
-    }
-    if (!options.windowType.isEmpty()) {
-        setNumbers(window, QStringLiteral("_NET_WM_WINDOW_TYPE"), QStringLiteral("ATOM"),
-                   {atom(options.windowType)});
-    }
-    // A position and size by the user (flags 1 and 2), so that the manager keeps them.
-    std::vector<std::uint32_t> hints(18, 0);
-    hints[0] = 3;
-    setNumbers(window, QStringLiteral("WM_NORMAL_HINTS"), QStringLiteral("WM_SIZE_HINTS"), hints);
-}
-
 bool NeighbourClient::isViewable(xcb_window_t window) const {
-    const XcbPtr<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(
-        connection(), xcb_get_window_attributes(connection(), window), nullptr));
-    return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
+    const auto attributes =
+        reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(connection(), window));
+    return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
 }

@@ -11,29 +11,24 @@ struct NeighbourInput {
     bool isKey = false;
     /// The button's number or the keycode.
     int detail = 0;
-    /// The keys and buttons that were down before, as X11 masks.
-    int modifiers = 0;
-    /// On the root, device pixels, y down.
-    QPoint position;
 };
 
 /// Another program on the same desktop: plain windows of one colour, on a connection of its own.
-/// Its windows go when it goes. Frames are device pixels of the root, y down.
+/// Its windows have no decorations, so that they cover exactly their frames, and go when it goes.
+/// Frames are device pixels of the root, y down.
 class NeighbourClient : public XClient {
 public:
     struct WindowOptions {
         QRect frame{100, 100, 300, 200};
         QColor color{Qt::white};
         bool isOverrideRedirect = false;
-        /// Without decorations a managed window covers exactly its frame.
-        bool hasDecorations = false;
         QString title = QStringLiteral("Neighbour");
         /// Both the instance and the class.
         QString windowClass = QStringLiteral("neighbour");
         /// As in "_NET_WM_WINDOW_TYPE_DOCK"; empty for a normal window.
         QString windowType{};
     };
-    enum class Edge { left, right, top, bottom };
+    enum class Edge { left, bottom };
 
     using XClient::XClient;
 
@@ -55,8 +50,8 @@ public:
     void destroy(xcb_window_t window);
     void setColor(xcb_window_t window, const QColor& color);
 
-    /// Asks the window manager for a state such as "_NET_WM_STATE_FULLSCREEN", or to end it.
-    void requestState(xcb_window_t window, const QString& state, bool isOn = true);
+    /// Asks the window manager for a state such as "_NET_WM_STATE_FULLSCREEN".
+    void requestState(xcb_window_t window, const QString& state);
     /// Asks the window manager to make the window the active one.
     void requestActivation(xcb_window_t window);
 
@@ -72,5 +67,4 @@ private:
                    const std::vector<std::uint32_t>& values);
     void sendToManager(xcb_window_t window, const QString& type,
                        const std::vector<std::uint32_t>& values);
-    void describe(xcb_window_t window, const WindowOptions& options);
 };

@@ -2,26 +2,23 @@
 
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 #include <stdexcept>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
 bool belongsToTheOuterDesktop(const QString& name) {
-    for (const QString& prefix :
-         {QStringLiteral("XDG_"), QStringLiteral("QT_"), QStringLiteral("LC_"),
-          QStringLiteral("DBUS_"), QStringLiteral("GTK_"), QStringLiteral("VEYLA_")}) {
-        if (name.startsWith(prefix)) return true;
-    }
-    return QStringList{QStringLiteral("DISPLAY"),         QStringLiteral("WAYLAND_DISPLAY"),
-                       QStringLiteral("XAUTHORITY"),      QStringLiteral("SESSION_MANAGER"),
-                       QStringLiteral("DESKTOP_SESSION"), QStringLiteral("AT_SPI_BUS_ADDRESS"),
-                       QStringLiteral("LANGUAGE"),        QStringLiteral("DESKTOP_STARTUP_ID")}
-        .contains(name);
+    static const QRegularExpression names(
+        u"^((XDG|QT|LC|DBUS|GTK|VEYLA)_.*|(WAYLAND_)?DISPLAY|XAUTHORITY|SESSION_MANAGER|LANGUAGE|"
+        "DESKTOP_SESSION|AT_SPI_BUS_ADDRESS|DESKTOP_STARTUP_ID)$"_s);
+    return names.match(name).hasMatch();
 }
 
 }  // namespace
 
-TemporaryHome::TemporaryHome() : m_folder(QDir::tempPath() + QStringLiteral("/veyla-XXXXXX")) {
+TemporaryHome::TemporaryHome() : m_folder(QDir::tempPath() + u"/veyla-XXXXXX"_s) {
     for (const QString& folder :
          {dataFolder(), configFolder(), cacheFolder(), stateFolder(), runtimeFolder()}) {
         if (!m_folder.isValid() || !QDir().mkpath(folder)) {
@@ -36,14 +33,14 @@ QProcessEnvironment TemporaryHome::environment() const {
     for (const QString& name : environment.keys()) {
         if (belongsToTheOuterDesktop(name)) environment.remove(name);
     }
-    environment.insert(QStringLiteral("HOME"), path());
-    environment.insert(QStringLiteral("XDG_DATA_HOME"), dataFolder());
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), configFolder());
-    environment.insert(QStringLiteral("XDG_CACHE_HOME"), cacheFolder());
-    environment.insert(QStringLiteral("XDG_STATE_HOME"), stateFolder());
-    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtimeFolder());
-    environment.insert(QStringLiteral("LANG"), QStringLiteral("C.UTF-8"));
+    environment.insert(u"HOME"_s, path());
+    environment.insert(u"XDG_DATA_HOME"_s, dataFolder());
+    environment.insert(u"XDG_CONFIG_HOME"_s, configFolder());
+    environment.insert(u"XDG_CACHE_HOME"_s, cacheFolder());
+    environment.insert(u"XDG_STATE_HOME"_s, stateFolder());
+    environment.insert(u"XDG_RUNTIME_DIR"_s, runtimeFolder());
+    environment.insert(u"LANG"_s, u"C.UTF-8"_s);
     // GLib programs would start a settings daemon otherwise.
-    environment.insert(QStringLiteral("GSETTINGS_BACKEND"), QStringLiteral("memory"));
+    environment.insert(u"GSETTINGS_BACKEND"_s, u"memory"_s);
     return environment;
 }

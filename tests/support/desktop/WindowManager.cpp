@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+using namespace Qt::Literals::StringLiterals;
+
 WindowManager::WindowManager(const QProcessEnvironment& environment, const QStringList& command)
     : m_former(supportingWindow(environment)),
       m_process(command.first(), command.mid(1), environment) {
@@ -15,12 +17,11 @@ WindowManager::WindowManager(const QProcessEnvironment& environment, const QStri
     });
     // Openbox 3.6 can go to sleep on a request that came while it started, until any other event
     // wakes it.
-    NeighbourClient sample(environment.value(QStringLiteral("DISPLAY")));
+    NeighbourClient sample(environment.value(u"DISPLAY"_s));
     const xcb_window_t window = sample.create({.frame = {0, 0, 1, 1}});
-    const QString clients = QStringLiteral("_NET_CLIENT_LIST");
+    const QString clients = u"_NET_CLIENT_LIST"_s;
     const auto isManaged = [&] {
-        sample.setNumbers(sample.root(), QStringLiteral("_VEYLA_TEST_WAKE"),
-                          QStringLiteral("CARDINAL"), {0});
+        sample.setNumbers(sample.root(), u"_VEYLA_TEST_WAKE"_s, u"CARDINAL"_s, {0});
         const std::vector<std::uint32_t> managed = sample.numbersOf(sample.root(), clients);
         return std::find(managed.begin(), managed.end(), window) != managed.end();
     };
@@ -31,8 +32,8 @@ WindowManager::WindowManager(const QProcessEnvironment& environment, const QStri
 }
 
 unsigned WindowManager::supportingWindow(const QProcessEnvironment& environment) {
-    const QString property = QStringLiteral("_NET_SUPPORTING_WM_CHECK");
-    const XClient client(environment.value(QStringLiteral("DISPLAY")));
+    const QString property = u"_NET_SUPPORTING_WM_CHECK"_s;
+    const XClient client(environment.value(u"DISPLAY"_s));
     const std::vector<std::uint32_t> named = client.numbersOf(client.root(), property);
     // A manager that has died may leave the property of the root behind, but not its window.
     return !named.empty() && client.numbersOf(named.front(), property) == named

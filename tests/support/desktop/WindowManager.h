@@ -11,8 +11,6 @@ public:
     explicit WindowManager(const QProcessEnvironment& environment,
                            const QStringList& command = {QStringLiteral("openbox")});
 
-    ChildProcess& process() { return m_process; }
-
 private:
     /// The window that speaks for the current manager, XCB_NONE without one.
     static unsigned supportingWindow(const QProcessEnvironment& environment);

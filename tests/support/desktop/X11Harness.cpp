@@ -7,6 +7,8 @@
 #include <cmath>
 #include <stdexcept>
 
+using namespace Qt::Literals::StringLiterals;
+
 X11Harness::X11Harness() {
     // A pointer that is where a test moves it to would not move.
     m_input.movePointer({0, 0});
@@ -59,7 +61,7 @@ void X11Harness::setScreens(const QList<Rect>& topLeftFrames) {
 std::vector<QUuid> X11Harness::stack() {
     std::vector<QUuid> ids;
     for (const XWindow& window : m_probe.rootChildren()) {
-        const auto id = m_probe.textOf(window.id, QStringLiteral("_VEYLA_MASK_ID"));
+        const auto id = m_probe.textOf(window.id, u"_VEYLA_MASK_ID"_s);
         if (id && window.isMapped) ids.push_back(QUuid(*id));
     }
     return ids;

@@ -2,11 +2,10 @@
 
 #include "Platform/Qt/QtMainLoop.h"
 #include "Platform/X11/X11Workspace.h"
-#include "contract/WorkspaceContract.h"
+#include "contract/WorkspaceHarness.h"
 #include "support/desktop/NeighbourClient.h"
 #include "support/desktop/NeighbourProgram.h"
 
-#include <QProcessEnvironment>
 #include <map>
 #include <memory>
 

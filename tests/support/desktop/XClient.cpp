@@ -1,6 +1,9 @@
 #include "support/desktop/XClient.h"
 
+#include <algorithm>
 #include <stdexcept>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -28,32 +31,28 @@ XClient::~XClient() {
 }
 
 void XClient::roundTrip() const {
-    const XcbPtr<xcb_get_input_focus_reply_t> reply(
-        xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+    static_cast<void>(focus());
 }
 
 xcb_atom_t XClient::atom(const QString& name) const {
     const QByteArray bytes = name.toLatin1();
-    const XcbPtr<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-        m_connection,
-        xcb_intern_atom(m_connection, 0, static_cast<std::uint16_t>(bytes.size()),
-                        bytes.constData()),
-        nullptr));
-    return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_NONE);
+    const auto found =
+        reply(xcb_intern_atom_reply,
+              xcb_intern_atom(m_connection, 0, static_cast<std::uint16_t>(bytes.size()),
+                              bytes.constData()));
+    return found ? found->atom : xcb_atom_t{XCB_NONE};
 }
 
 QString XClient::atomName(xcb_atom_t atom) const {
-    const XcbPtr<xcb_get_atom_name_reply_t> reply(
-        xcb_get_atom_name_reply(m_connection, xcb_get_atom_name(m_connection, atom), nullptr));
-    if (!reply) return {};
-    return QString::fromLatin1(xcb_get_atom_name_name(reply.get()), reply->name_len);
+    const auto found = reply(xcb_get_atom_name_reply, xcb_get_atom_name(m_connection, atom));
+    if (!found) return {};
+    return QString::fromLatin1(xcb_get_atom_name_name(found.get()), found->name_len);
 }
 
 std::optional<QRect> XClient::geometry(xcb_window_t window) const {
-    const XcbPtr<xcb_get_geometry_reply_t> reply(
-        xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, window), nullptr));
-    if (!reply) return std::nullopt;
-    return QRect(reply->x, reply->y, reply->width, reply->height);
+    const auto found = reply(xcb_get_geometry_reply, xcb_get_geometry(m_connection, window));
+    if (!found) return std::nullopt;
+    return QRect(found->x, found->y, found->width, found->height);
 }
 
 std::vector<std::uint32_t> XClient::numbersOf(xcb_window_t window, const QString& name) const {
@@ -80,20 +79,33 @@ std::optional<QString> XClient::textOf(xcb_window_t window, const QString& name)
 void XClient::setText(xcb_window_t window, const QString& name, const QString& text) {
     const QByteArray bytes = text.toUtf8();
     xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, atom(name),
-                        atom(QStringLiteral("UTF8_STRING")), 8,
-                        static_cast<std::uint32_t>(bytes.size()), bytes.constData());
+                        atom(u"UTF8_STRING"_s), 8, static_cast<std::uint32_t>(bytes.size()),
+                        bytes.constData());
     roundTrip();
 }
 
+bool XClient::hasState(xcb_window_t window, const QString& state) const {
+    const auto states = numbersOf(window, u"_NET_WM_STATE"_s);
+    return std::find(states.begin(), states.end(), atom(state)) != states.end();
+}
+
+xcb_window_t XClient::focus() const {
+    const auto found = reply(xcb_get_input_focus_reply, xcb_get_input_focus(m_connection));
+    return found ? found->focus : xcb_window_t{XCB_NONE};
+}
+
+xcb_window_t XClient::activeWindow() const {
+    const auto active = numbersOf(root(), u"_NET_ACTIVE_WINDOW"_s);
+    return active.empty() ? xcb_window_t{XCB_NONE} : active.front();
+}
+
 xcb_window_t XClient::selectionOwner(const QString& selection) const {
-    const XcbPtr<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-        m_connection, xcb_get_selection_owner(m_connection, atom(selection)), nullptr));
-    return reply ? reply->owner : static_cast<xcb_window_t>(XCB_NONE);
+    const auto found = reply(xcb_get_selection_owner_reply,
+                             xcb_get_selection_owner(m_connection, atom(selection)));
+    return found ? found->owner : xcb_window_t{XCB_NONE};
 }
 
 XcbPtr<xcb_get_property_reply_t> XClient::property(xcb_window_t window, const QString& name) const {
-    return XcbPtr<xcb_get_property_reply_t>(xcb_get_property_reply(
-        m_connection,
-        xcb_get_property(m_connection, 0, window, atom(name), XCB_ATOM_ANY, 0, longestProperty),
-        nullptr));
+    return reply(xcb_get_property_reply, xcb_get_property(m_connection, 0, window, atom(name),
+                                                          XCB_ATOM_ANY, 0, longestProperty));
 }

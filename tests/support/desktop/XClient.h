@@ -35,6 +35,13 @@ public:
     /// Returns when the server has handled every request so far.
     void roundTrip() const;
 
+    /// The answer to a request; null when it failed.
+    template <typename Reply, typename Cookie>
+    XcbPtr<Reply> reply(Reply* (*take)(xcb_connection_t*, Cookie, xcb_generic_error_t**),
+                        Cookie cookie) const {
+        return XcbPtr<Reply>(take(m_connection, cookie, nullptr));
+    }
+
     xcb_atom_t atom(const QString& name) const;
     QString atomName(xcb_atom_t atom) const;
 
@@ -51,6 +58,12 @@ public:
     std::optional<QString> textOf(xcb_window_t window, const QString& property) const;
     void setText(xcb_window_t window, const QString& property, const QString& text);
 
+    /// Whether a window has a state such as "_NET_WM_STATE_ABOVE".
+    bool hasState(xcb_window_t window, const QString& state) const;
+    /// The window that has the keyboard.
+    xcb_window_t focus() const;
+    /// The window that the window manager calls the active one; XCB_NONE without one.
+    xcb_window_t activeWindow() const;
     /// The window that owns a selection such as "_NET_WM_CM_S0"; XCB_NONE without one.
     xcb_window_t selectionOwner(const QString& selection) const;
 

@@ -4,8 +4,7 @@
 #include <xcb/shape.h>
 
 QList<XWindow> XProbe::childrenOf(xcb_window_t parent) const {
-    const XcbPtr<xcb_query_tree_reply_t> tree(
-        xcb_query_tree_reply(connection(), xcb_query_tree(connection(), parent), nullptr));
+    const auto tree = reply(xcb_query_tree_reply, xcb_query_tree(connection(), parent));
     QList<XWindow> windows;
     if (!tree) return windows;
     const xcb_window_t* children = xcb_query_tree_children(tree.get());
@@ -16,23 +15,29 @@ QList<XWindow> XProbe::childrenOf(xcb_window_t parent) const {
 }
 
 std::optional<XWindow> XProbe::window(xcb_window_t id) const {
-    const auto attributesCookie = xcb_get_window_attributes(connection(), id);
-    const auto geometryCookie = xcb_get_geometry(connection(), id);
-    const XcbPtr<xcb_get_window_attributes_reply_t> attributes(
-        xcb_get_window_attributes_reply(connection(), attributesCookie, nullptr));
-    const XcbPtr<xcb_get_geometry_reply_t> geometry(
-        xcb_get_geometry_reply(connection(), geometryCookie, nullptr));
-    if (!attributes || !geometry) return std::nullopt;
+    const auto attributes =
+        reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(connection(), id));
+    const auto frame = geometry(id);
+    if (!attributes || !frame) return std::nullopt;
     return XWindow{.id = id,
-                   .frame = QRect(geometry->x, geometry->y, geometry->width, geometry->height),
+                   .frame = *frame,
                    .isMapped = attributes->map_state != XCB_MAP_STATE_UNMAPPED,
-                   .isOverrideRedirect = attributes->override_redirect != 0,
-                   .depth = geometry->depth};
+                   .isOverrideRedirect = attributes->override_redirect != 0};
 }
 
-QList<XWindow> XProbe::windowsWith(const QString& property) const {
+QList<XWindow> XProbe::windowsWith(const QString& property,
+                                   std::optional<xcb_window_t> parent) const {
     QList<XWindow> found;
-    collect(root(), property, found);
+    for (const XWindow& child : childrenOf(parent.value_or(root()))) {
+        const auto names =
+            reply(xcb_list_properties_reply, xcb_list_properties(connection(), child.id));
+        if (names) {
+            const xcb_atom_t* atoms = xcb_list_properties_atoms(names.get());
+            const xcb_atom_t* end = atoms + xcb_list_properties_atoms_length(names.get());
+            if (std::find(atoms, end, atom(property)) != end) found.append(child);
+        }
+        found += windowsWith(property, child.id);
+    }
     return found;
 }
 
@@ -46,8 +51,7 @@ std::optional<XWindow> XProbe::windowWith(const QString& property, const QString
 
 xcb_window_t XProbe::topLevelOf(xcb_window_t window) const {
     while (true) {
-        const XcbPtr<xcb_query_tree_reply_t> tree(
-            xcb_query_tree_reply(connection(), xcb_query_tree(connection(), window), nullptr));
+        const auto tree = reply(xcb_query_tree_reply, xcb_query_tree(connection(), window));
         if (!tree || tree->parent == root() || tree->parent == XCB_NONE) return window;
         window = tree->parent;
     }
@@ -64,29 +68,8 @@ bool XProbe::isAbove(xcb_window_t upper, xcb_window_t lower) const {
     return false;
 }
 
-QList<QRect> XProbe::inputShape(xcb_window_t window) const {
-    const XcbPtr<xcb_shape_get_rectangles_reply_t> reply(xcb_shape_get_rectangles_reply(
-        connection(), xcb_shape_get_rectangles(connection(), window, XCB_SHAPE_SK_INPUT), nullptr));
-    QList<QRect> shape;
-    if (!reply) return shape;
-    const xcb_rectangle_t* rectangles = xcb_shape_get_rectangles_rectangles(reply.get());
-    for (int index = 0; index < xcb_shape_get_rectangles_rectangles_length(reply.get()); ++index) {
-        const xcb_rectangle_t& part = rectangles[index];
-        shape.append(QRect(part.x, part.y, part.width, part.height));
-    }
-    return shape;
-}
-
-void XProbe::collect(xcb_window_t parent, const QString& property, QList<XWindow>& found) const {
-    for (const XWindow& child : childrenOf(parent)) {
-        const XcbPtr<xcb_list_properties_reply_t> names(xcb_list_properties_reply(
-            connection(), xcb_list_properties(connection(), child.id), nullptr));
-        if (names) {
-            const xcb_atom_t wanted = atom(property);
-            const xcb_atom_t* atoms = xcb_list_properties_atoms(names.get());
-            const xcb_atom_t* end = atoms + xcb_list_properties_atoms_length(names.get());
-            if (std::find(atoms, end, wanted) != end) found.append(child);
-        }
-        collect(child.id, property, found);
-    }
+bool XProbe::isClickThrough(xcb_window_t window) const {
+    const auto shape = reply(xcb_shape_get_rectangles_reply,
+                             xcb_shape_get_rectangles(connection(), window, XCB_SHAPE_SK_INPUT));
+    return shape && xcb_shape_get_rectangles_rectangles_length(shape.get()) == 0;
 }

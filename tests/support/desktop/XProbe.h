@@ -11,7 +11,6 @@ struct XWindow {
     QRect frame;
     bool isMapped = false;
     bool isOverrideRedirect = false;
-    int depth = 0;
 };
 
 /// Looks at the windows of a display from outside.
@@ -26,8 +25,10 @@ public:
     /// The window as it is now; nothing when there is none of that id.
     std::optional<XWindow> window(xcb_window_t id) const;
 
-    /// Every window of the display that has the property, at any depth, bottom to top.
-    QList<XWindow> windowsWith(const QString& property) const;
+    /// Every window of the display, or inside a window, that has the property, at any depth, bottom
+    /// to top.
+    QList<XWindow> windowsWith(const QString& property,
+                               std::optional<xcb_window_t> parent = {}) const;
     /// The topmost window that has the property with that text.
     std::optional<XWindow> windowWith(const QString& property, const QString& text) const;
 
@@ -37,9 +38,6 @@ public:
     /// Whether `upper`'s top-level window lies above `lower`'s in the stacking order.
     bool isAbove(xcb_window_t upper, xcb_window_t lower) const;
 
-    /// Where the window takes pointer input, relative to it; empty when clicks go through.
-    QList<QRect> inputShape(xcb_window_t window) const;
-
-private:
-    void collect(xcb_window_t parent, const QString& property, QList<XWindow>& found) const;
+    /// Whether no part of the window takes pointer input.
+    bool isClickThrough(xcb_window_t window) const;
 };

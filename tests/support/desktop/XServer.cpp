@@ -1,31 +1,11 @@
 #include "support/desktop/XServer.h"
 
-#include <utility>
+using namespace Qt::Literals::StringLiterals;
 
-XServer::XServer(const QProcessEnvironment& environment, Options options)
-    : m_environment(environment), m_options(std::move(options)) {
-    start({});
-}
-
-void XServer::restart() {
-    m_process->end();
-    start({m_displayName});
-}
-
-void XServer::start(const QStringList& display) {
-    const QString screen = QStringLiteral("%1x%2x%3")
-                               .arg(m_options.size.width())
-                               .arg(m_options.size.height())
-                               .arg(m_options.depth);
-    const QStringList arguments{QStringLiteral("-displayfd"),
-                                QStringLiteral("1"),
-                                QStringLiteral("-screen"),
-                                QStringLiteral("0"),
-                                screen,
-                                QStringLiteral("-nolisten"),
-                                QStringLiteral("tcp"),
-                                QStringLiteral("-noreset")};
-    m_process = std::make_unique<ChildProcess>(
-        QStringLiteral("Xvfb"), display + arguments + m_options.extraArguments, m_environment);
-    m_displayName = u':' + QString::fromLatin1(m_process->waitForFirstLine().trimmed());
-}
+XServer::XServer(const QProcessEnvironment& environment, const Options& options)
+    : m_process(u"Xvfb"_s,
+                QStringList{u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"1280x800x24"_s,
+                            u"-nolisten"_s, u"tcp"_s, u"-noreset"_s} +
+                    options.extraArguments,
+                environment),
+      m_displayName(u':' + QString::fromLatin1(m_process.waitForFirstLine().trimmed())) {}

@@ -1,6 +1,5 @@
 #include "support/desktop/XTestInput.h"
 
-#include <algorithm>
 #include <stdexcept>
 #include <xcb/xtest.h>
 
@@ -29,12 +28,6 @@ void XTestInput::movePointer(QPoint position) {
     send(XCB_MOTION_NOTIFY, 0, position);
 }
 
-QPoint XTestInput::pointerPosition() const {
-    const XcbPtr<xcb_query_pointer_reply_t> reply(
-        xcb_query_pointer_reply(connection(), xcb_query_pointer(connection(), root()), nullptr));
-    return reply ? QPoint(reply->root_x, reply->root_y) : QPoint();
-}
-
 void XTestInput::press(int button) {
     send(XCB_BUTTON_PRESS, narrow(button));
 }
@@ -49,12 +42,12 @@ void XTestInput::click(QPoint position, int button) {
     release(button);
 }
 
-void XTestInput::drag(QPoint from, QPoint to, int steps, int button) {
+void XTestInput::drag(QPoint from, QPoint to, int steps) {
     movePointer(from);
-    press(button);
+    press();
     for (int step = 1; step <= steps; ++step)
         movePointer(from + (to - from) * step / steps);
-    release(button);
+    release();
 }
 
 void XTestInput::pressKeycode(std::uint8_t keycode) {
@@ -68,9 +61,8 @@ void XTestInput::releaseKeycode(std::uint8_t keycode) {
 void XTestInput::typeChord(const std::vector<std::uint8_t>& keycodes) {
     for (const std::uint8_t keycode : keycodes)
         pressKeycode(keycode);
-    for (auto keycode = keycodes.rbegin(); keycode != keycodes.rend(); ++keycode) {
+    for (auto keycode = keycodes.rbegin(); keycode != keycodes.rend(); ++keycode)
         releaseKeycode(*keycode);
-    }
 }
 
 void XTestInput::typeKeysyms(const std::vector<std::uint32_t>& keysyms) {
@@ -82,15 +74,14 @@ void XTestInput::typeKeysyms(const std::vector<std::uint32_t>& keysyms) {
 
 std::uint8_t XTestInput::keycodeFor(std::uint32_t keysym) const {
     const xcb_setup_t* setup = xcb_get_setup(connection());
-    const XcbPtr<xcb_get_keyboard_mapping_reply_t> reply(xcb_get_keyboard_mapping_reply(
-        connection(),
-        xcb_get_keyboard_mapping(connection(), setup->min_keycode,
-                                 narrow(setup->max_keycode - setup->min_keycode + 1)),
-        nullptr));
-    if (reply) {
-        const xcb_keysym_t* keysyms = xcb_get_keyboard_mapping_keysyms(reply.get());
-        const int count = xcb_get_keyboard_mapping_keysyms_length(reply.get());
-        const int columns = reply->keysyms_per_keycode;
+    const auto mapping =
+        reply(xcb_get_keyboard_mapping_reply,
+              xcb_get_keyboard_mapping(connection(), setup->min_keycode,
+                                       narrow(setup->max_keycode - setup->min_keycode + 1)));
+    if (mapping) {
+        const xcb_keysym_t* keysyms = xcb_get_keyboard_mapping_keysyms(mapping.get());
+        const int count = xcb_get_keyboard_mapping_keysyms_length(mapping.get());
+        const int columns = mapping->keysyms_per_keycode;
         for (int index = 0; index < count; ++index) {
             if (keysyms[index] == keysym && index % columns < 2) {
                 return narrow(setup->min_keycode + index / columns);

@@ -15,14 +15,13 @@ public:
     ~XTestInput() override;
 
     void movePointer(QPoint position);
-    QPoint pointerPosition() const;
 
     void press(int button = 1);
     void release(int button = 1);
     /// Moves there, then presses and releases.
     void click(QPoint position, int button = 1);
     /// Presses at `from`, moves in that many equal steps and releases at `to`.
-    void drag(QPoint from, QPoint to, int steps = 8, int button = 1);
+    void drag(QPoint from, QPoint to, int steps = 8);
 
     void pressKeycode(std::uint8_t keycode);
     void releaseKeycode(std::uint8_t keycode);
