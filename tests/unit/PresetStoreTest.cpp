@@ -1,11 +1,18 @@
 #include "Services/PresetStore.h"
 #include "support/FileSizeLimit.h"
-#include "support/Files.h"
 #include "support/RecordingSystemLog.h"
 #include "support/SampleWorkspace.h"
 
+#include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
+#include <cerrno>
+#include <cstring>
+#include <functional>
 #include <gtest/gtest.h>
+#include <limits>
+#include <memory>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,6 +22,17 @@ namespace {
 
 const QString decodeFailure = u"Veyla failed to decode workspace (will use defaults): "_s;
 const QString saveFailure = u"Veyla failed to save workspace: "_s;
+
+QByteArray bytesOf(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no such file");
+}
+
+void writeBytes(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_EQ(file.write(bytes), bytes.size());
+}
 
 mode_t modeOf(const QString& path) {
     struct stat status {};
@@ -39,6 +57,11 @@ WorkspaceSnapshot largeWorkspace() {
 
 class PresetStoreTest : public testing::Test {
 protected:
+    void writeDocument(const QByteArray& bytes) {
+        ASSERT_TRUE(QDir().mkpath(folder));
+        writeBytes(document, bytes);
+    }
+
     QTemporaryDir root;
     QString folder = root.filePath(u"data/Veyla"_s);
     QString document = folder + u"/workspace.json"_s;
@@ -56,7 +79,7 @@ TEST_F(PresetStoreTest, FindsNothingAndMakesNothingWithoutADocument) {
 TEST_F(PresetStoreTest, SavesPrivatelyAndLoadsWhatItSaved) {
     const WorkspaceSnapshot workspace = sampleWorkspace();
     store.saveWorkspace(workspace);
-    const QByteArray first = readFile(document);
+    const QByteArray first = bytesOf(document);
     EXPECT_EQ(modeOf(root.filePath(u"data"_s)), 0700U);
     EXPECT_EQ(modeOf(folder), 0700U);
     EXPECT_EQ(modeOf(document), 0600U);
@@ -66,7 +89,7 @@ TEST_F(PresetStoreTest, SavesPrivatelyAndLoadsWhatItSaved) {
     store.saveWorkspace(workspace);
     EXPECT_EQ(modeOf(folder), 0700U);
     EXPECT_EQ(modeOf(document), 0600U);
-    EXPECT_EQ(readFile(document), first);
+    EXPECT_EQ(bytesOf(document), first);
     EXPECT_EQ(namesIn(folder), QStringList(u"workspace.json"_s));
 
     EXPECT_EQ(store.loadWorkspace(), workspace);
@@ -79,41 +102,48 @@ TEST_F(PresetStoreTest, FollowsALinkToTheDocument) {
     ASSERT_TRUE(QFile::link(u"../../elsewhere.json"_s, document));
     store.saveWorkspace(sampleWorkspace());
     EXPECT_TRUE(QFileInfo(document).isSymLink());
-    EXPECT_EQ(readFile(target), sampleWorkspace().toJsonText());
+    EXPECT_EQ(bytesOf(target), sampleWorkspace().toJsonText());
     EXPECT_EQ(store.loadWorkspace(), sampleWorkspace());
 }
 
 TEST_F(PresetStoreTest, KeepsACopyOfADocumentThatItCannotDecode) {
     const QByteArray good = sampleWorkspace().toJsonText();
+    QByteArray withoutFlag = good;
+    withoutFlag.replace("hasCompletedOnboarding", "hasCompletedBoarding");
     QByteArray wrongStyle = good;
     wrongStyle.replace("\"softTint\"", "\"SoftTint\"");
+    QByteArray wrongEncoding = good;
+    wrongEncoding.replace("Mask 1", "Mask \xC3");
     const struct {
         QByteArray bytes;
         QString reason;  // how it begins
     } cases[]{
+        {withoutFlag, u"hasCompletedOnboarding: required member is missing"_s},
         {wrongStyle, u"masks[1].style: unknown style \"SoftTint\""_s},
+        {wrongEncoding, u"document: invalid UTF8 string at byte offset "_s},
         {good.chopped(3), u"document: unterminated object at byte offset "_s},
         {QByteArray(), u"document: illegal value at byte offset "_s},
+        {QByteArray(10'000, '['), u"document: too deeply nested document at byte offset "_s},
         {"{\"masks\": \"" + QByteArray(50'000'000, 'x') + "\"}",
          u"masks: expected an array, found a string"_s},
     };
     for (const auto& [bytes, reason] : cases) {
-        writeFile(document, bytes);
+        writeDocument(bytes);
         QFile::remove(backup);
         log.lines.clear();
         EXPECT_EQ(store.loadWorkspace(), std::nullopt);
         ASSERT_EQ(log.lines.size(), 1);
         EXPECT_TRUE(log.lines[0].startsWith(decodeFailure + reason)) << log.lines[0].toStdString();
-        EXPECT_TRUE(readFile(document) == bytes) << reason.toStdString();
-        EXPECT_TRUE(readFile(backup) == bytes) << reason.toStdString();
+        EXPECT_TRUE(bytesOf(document) == bytes) << reason.toStdString();
+        EXPECT_TRUE(bytesOf(backup) == bytes) << reason.toStdString();
         EXPECT_EQ(modeOf(backup), 0600U);
         EXPECT_EQ(namesIn(folder).size(), 2) << reason.toStdString();
     }
 
-    writeFile(document, "another");
-    const QByteArray kept = readFile(backup);
+    writeDocument("another");
+    const QByteArray kept = bytesOf(backup);
     EXPECT_EQ(store.loadWorkspace(), std::nullopt);
-    EXPECT_TRUE(readFile(backup) == kept);
+    EXPECT_TRUE(bytesOf(backup) == kept);
     EXPECT_EQ(log.lines.size(), 2);
 
     // Not even what a dangling link stands for.
@@ -138,6 +168,16 @@ TEST_F(PresetStoreTest, TreatsWhatIsNoRegularFileAsNoWorkspace) {
     store.saveWorkspace(sampleWorkspace());
     EXPECT_EQ(log.lines,
               QStringList(saveFailure + document + u": Filename refers to a directory"_s));
+}
+
+TEST_F(PresetStoreTest, ReportsNumbersThatCannotBeWrittenAndKeepsTheOldDocument) {
+    store.saveWorkspace(sampleWorkspace());
+    WorkspaceSnapshot workspace = sampleWorkspace();
+    workspace.presets[0].masks[0].opacity = std::numeric_limits<double>::quiet_NaN();
+    store.saveWorkspace(workspace);
+    EXPECT_EQ(log.lines,
+              QStringList(saveFailure + u"presets[0].masks[0].opacity: nan is not finite"_s));
+    EXPECT_EQ(store.loadWorkspace(), sampleWorkspace());
 }
 
 /// Runs as an ordinary user while it lives, since permissions do not bind root.
@@ -175,12 +215,12 @@ class PresetStoreFaultTest : public PresetStoreTest {
 protected:
     void expectFailure(const QString& path, const QString& reason) {
         const QStringList names = namesIn(folder);
-        const QByteArray before = readFile(document);
+        const QByteArray before = bytesOf(document);
         store.saveWorkspace(largeWorkspace());
         EXPECT_EQ(log.lines.join(u'\n').toStdString(),
                   (saveFailure + path + u": "_s + reason).toStdString());
         EXPECT_EQ(namesIn(folder), names);
-        EXPECT_EQ(readFile(document), before);
+        EXPECT_EQ(bytesOf(document), before);
         log.lines.clear();
     }
 
@@ -211,19 +251,35 @@ TEST_F(PresetStoreFaultTest, FolderThatCannotBeMade) {
 }
 
 TEST_F(PresetStoreFaultTest, FileInPlaceOfTheFolder) {
-    writeFile(folder, "in the way");
+    ASSERT_TRUE(QDir().mkpath(root.filePath(u"data"_s)));
+    writeBytes(folder, "in the way");
     expectFailure(folder, u"Not a directory"_s);
-    EXPECT_EQ(readFile(folder), "in the way");
+    EXPECT_EQ(bytesOf(folder), "in the way");
     ASSERT_TRUE(QFile::remove(folder));
     expectSuccess();
 }
 
-TEST_F(PresetStoreFaultTest, WriteThatStopsHalfwayAsOnAFullDisk) {
+TEST_F(PresetStoreFaultTest, WriteThatStopsHalfway) {
     store.saveWorkspace(sampleWorkspace());
     {
         const FileSizeLimit limit(16 * 1024);
         expectFailure(document, u"File too large"_s);
     }
+    expectSuccess();
+}
+
+TEST_F(PresetStoreFaultTest, FullDisk) {
+    ASSERT_TRUE(QDir().mkpath(folder));
+    const QByteArray mountPoint = QFile::encodeName(folder);
+    if (::mount("none", mountPoint.constData(), "tmpfs", 0, "size=64k") != 0) {
+        GTEST_SKIP() << "a small file system cannot be mounted: " << std::strerror(errno);
+    }
+    const std::unique_ptr<const QByteArray, void (*)(const QByteArray*)> mounted(
+        &mountPoint,
+        [](const QByteArray* point) { EXPECT_EQ(::umount2(point->constData(), MNT_DETACH), 0); });
+    store.saveWorkspace(sampleWorkspace());
+    expectFailure(document, u"No space left on device"_s);
+    ASSERT_EQ(::mount("none", mountPoint.constData(), "tmpfs", MS_REMOUNT, "size=1m"), 0);
     expectSuccess();
 }
 
