@@ -4,13 +4,12 @@
 
 #include "Platform/Headless/HeadlessDesktop.h"
 #include "Platform/Headless/HeadlessLoginItem.h"
-#include "Views/Components/AccessibleElement.h"
 #include "Views/Components/AmountSlider.h"
 #include "Views/ContentView.h"
-#include "Views/Design/ApplicationLook.h"
 #include "Views/Settings/SettingsWindow.h"
 #include "benchmarks/support/MaskRows.h"
 #include "benchmarks/support/Samples.h"
+#include "benchmarks/support/WindowBenchmarks.h"
 #include "support/HeadlessPlatform.h"
 #include "support/RecordingSystemLog.h"
 
@@ -205,11 +204,5 @@ BENCHMARK(repaintedByOpacity)->Iterations(1)->Unit(benchmark::kMillisecond);
 }  // namespace
 
 int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    applyVeylaLook();
-    installAccessibleElements();
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return runWindowBenchmarks(argc, argv);
 }

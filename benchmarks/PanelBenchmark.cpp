@@ -3,11 +3,10 @@
 // is the program's own work.
 
 #include "Platform/Headless/HeadlessDesktop.h"
-#include "Views/Components/AccessibleElement.h"
-#include "Views/Design/ApplicationLook.h"
 #include "Views/MenuBar/MenuBarPanel.h"
 #include "benchmarks/support/MaskRows.h"
 #include "benchmarks/support/Samples.h"
+#include "benchmarks/support/WindowBenchmarks.h"
 #include "support/HeadlessPlatform.h"
 #include "support/RecordingSystemLog.h"
 
@@ -125,11 +124,5 @@ BENCHMARK(showPanelAgain)->Iterations(1)->Unit(benchmark::kMillisecond);
 }  // namespace
 
 int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    applyVeylaLook();
-    installAccessibleElements();
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return runWindowBenchmarks(argc, argv);
 }
