@@ -18,6 +18,8 @@ public:
     /// Shows another text; costs nothing when it is the same.
     void showText(const QString& text);
     void setColor(const QColor& color);
+    /// Gives a line a width, in points, so that other texts do not change what is around it.
+    void setLineWidth(int width) { setFixedSize(width, fontMetrics().height()); }
     /// Wraps a paragraph at that width, in points, and takes as many lines as that needs.
     void setParagraphWidth(int width);
 

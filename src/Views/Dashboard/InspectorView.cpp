@@ -99,7 +99,7 @@ QWidget* InspectorView::opacityRow() {
     m_opacity->onChange([this](double opacity) {
         if (m_maskID) m_state.setOpacity(*m_maskID, opacity);
     });
-    m_opacityText->setFixedWidth(qRound(textWidth * textScale()));
+    m_opacityText->setLineWidth(qRound(textWidth * textScale()));
     m_opacityText->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     return row(8, {{m_opacity, 1}, m_opacityText});
 }
