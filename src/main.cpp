@@ -1,8 +1,8 @@
 #include "App/CommandLine.h"
 #include "App/RemoteCommands.h"
-#include "Platform/Qt/InstanceLock.h"
-#include "Platform/Qt/LocaleText.h"
-#include "Platform/Qt/RemoteControlClient.h"
+#include "Platform/Qt/Applications/LocaleText.h"
+#include "Platform/Qt/Instance/InstanceLock.h"
+#include "Platform/Qt/Instance/RemoteControlClient.h"
 #include "Platform/Qt/SilentQtMessages.h"
 #include "VeylaApp.h"
 

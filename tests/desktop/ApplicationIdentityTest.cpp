@@ -1,5 +1,5 @@
 #include "Models/Json.h"
-#include "Platform/Qt/ApplicationResolver.h"
+#include "Platform/Qt/Applications/ApplicationResolver.h"
 #include "support/Files.h"
 
 #include <QJsonArray>

@@ -1,5 +1,5 @@
 #include "Models/VirtualKeyCodes.h"
-#include "Platform/X11/HeldKey.h"
+#include "Platform/X11/Keyboard/HeldKey.h"
 #include "Services/HotkeyManager.h"
 #include "contract/HotKeyContract.h"
 #include "desktop/VeylaTest.h"

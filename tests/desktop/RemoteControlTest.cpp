@@ -1,5 +1,5 @@
-#include "Platform/Qt/InstanceLock.h"
-#include "Platform/Qt/RemoteControlService.h"
+#include "Platform/Qt/Instance/InstanceLock.h"
+#include "Platform/Qt/Instance/RemoteControlService.h"
 #include "support/Files.h"
 #include "support/RecordingSystemLog.h"
 #include "support/desktop/ChildProcess.h"

@@ -1,4 +1,4 @@
-#include "Platform/Qt/QtUpdateDialogs.h"
+#include "Platform/Qt/Updates/QtUpdateDialogs.h"
 #include "support/desktop/NeighbourClient.h"
 #include "support/desktop/Wait.h"
 #include "support/desktop/XTestInput.h"

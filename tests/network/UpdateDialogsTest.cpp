@@ -1,5 +1,5 @@
 #include "Platform/AccessibleIdentifier.h"
-#include "Platform/Qt/QtUpdateDialogs.h"
+#include "Platform/Qt/Updates/QtUpdateDialogs.h"
 #include "network/LoaderFixture.h"
 
 #include <QApplication>

@@ -1,4 +1,4 @@
-#include "Platform/Qt/AppcastUpdateFramework.h"
+#include "Platform/Qt/Updates/AppcastUpdateFramework.h"
 #include "network/LoaderFixture.h"
 #include "network/SigningKey.h"
 #include "support/Files.h"

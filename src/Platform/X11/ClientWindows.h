@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Qt/ApplicationResolver.h"
+#include "Platform/Qt/Applications/ApplicationResolver.h"
 #include "Platform/X11/XcbConnection.h"
 
 #include <QByteArray>

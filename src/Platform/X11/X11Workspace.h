@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Platform/Qt/ApplicationResolver.h"
+#include "Platform/Qt/Applications/ApplicationResolver.h"
+#include "Platform/Qt/Applications/ProcessEnd.h"
+#include "Platform/Qt/Applications/ProcessWatch.h"
 #include "Platform/Qt/BusNameWatch.h"
-#include "Platform/Qt/ProcessEnd.h"
-#include "Platform/Qt/ProcessWatch.h"
 #include "Platform/Workspace.h"
 #include "Platform/X11/ClientWindows.h"
 #include "Platform/X11/XcbConnection.h"

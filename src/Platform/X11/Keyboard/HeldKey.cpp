@@ -1,0 +1,20 @@
+#include "Platform/X11/Keyboard/HeldKey.h"
+
+bool HeldKey::press(const xcb_key_press_event_t& event) {
+    // The server may take the time twice for one repetition; nobody is as fast as that.
+    const bool isPaired =
+        !m_areRepeatsWithoutRelease && m_released == event.detail && event.time - m_releasedAt <= 1;
+    const bool wasDown = m_down == event.detail || isPaired;
+    m_down = event.detail;
+    if (!m_grabbing) m_grabbing = event.detail;
+    return !wasDown;
+}
+
+void HeldKey::release(const xcb_key_release_event_t& event) {
+    // With the end of the grab, the release of other keys goes elsewhere.
+    const bool isLast = m_grabbing == event.detail;
+    if (isLast || m_down == event.detail) m_down.reset();
+    if (isLast) m_grabbing.reset();
+    m_released = event.detail;
+    m_releasedAt = event.time;
+}

@@ -1,0 +1,199 @@
+#include "Platform/X11/Overlays/NativeOverlayWindow.h"
+
+#include "Models/ScreenMask.h"
+
+#include <QCoreApplication>
+#include <QSysInfo>
+#include <algorithm>
+#include <array>
+#include <utility>
+#include <xcb/shape.h>
+
+namespace {
+
+constexpr uint8_t alphaDepth = 32;
+// The depth of pixels that are laid out like those with alpha.
+constexpr uint8_t colorDepth = 24;
+
+// The visual whose pixels are those of QImage::Format_ARGB32_Premultiplied.
+std::optional<xcb_visualid_t> findAlphaVisual(const xcb_screen_t& screen) {
+    for (auto depth = xcb_screen_allowed_depths_iterator(&screen); depth.rem > 0;
+         xcb_depth_next(&depth)) {
+        if (depth.data->depth != alphaDepth) continue;
+        for (auto visual = xcb_depth_visuals_iterator(depth.data); visual.rem > 0;
+             xcb_visualtype_next(&visual)) {
+            const auto& type = *visual.data;
+            if (type._class == XCB_VISUAL_CLASS_TRUE_COLOR && type.red_mask == 0xff0000 &&
+                type.green_mask == 0x00ff00 && type.blue_mask == 0x0000ff)
+                return type.visual_id;
+        }
+    }
+    return std::nullopt;
+}
+
+int16_t toInt16(int value) {
+    return static_cast<int16_t>(std::clamp(value, -32768, 32767));
+}
+uint16_t toUint16(int value) {
+    return static_cast<uint16_t>(std::clamp(value, 1, 65535));
+}
+
+}  // namespace
+
+OverlayVisual::OverlayVisual(XcbConnection& connection, Alpha alpha)
+    : m_connection(connection),
+      m_depth(connection.screen().root_depth),
+      m_visual(connection.screen().root_visual) {
+    const auto alphaVisual = findAlphaVisual(connection.screen());
+    if (alphaVisual && (alpha == Alpha::wanted || m_depth != colorDepth)) {
+        m_depth = alphaDepth;
+        m_visual = *alphaVisual;
+    }
+    m_colormap = xcb_generate_id(connection);
+    xcb_create_colormap(connection, XCB_COLORMAP_ALLOC_NONE, m_colormap, connection.root(),
+                        m_visual);
+    const xcb_pixmap_t pixmap = xcb_generate_id(connection);
+    xcb_create_pixmap(connection, m_depth, pixmap, connection.root(), 1, 1);
+    m_graphicsContext = xcb_generate_id(connection);
+    const uint32_t noExposures = 0;
+    xcb_create_gc(connection, m_graphicsContext, pixmap, XCB_GC_GRAPHICS_EXPOSURES, &noExposures);
+    xcb_free_pixmap(connection, pixmap);
+}
+
+OverlayVisual::~OverlayVisual() {
+    xcb_free_gc(m_connection, m_graphicsContext);
+    xcb_free_colormap(m_connection, m_colormap);
+}
+
+NativeOverlayWindow::NativeOverlayWindow(XcbConnection& connection, const OverlayVisual& visual,
+                                         const QRect& rect, const QString& title,
+                                         const std::optional<QUuid>& maskID)
+    : m_connection(connection), m_visual(visual), m_id(xcb_generate_id(connection)), m_rect(rect) {
+    // What happens to the window itself is told through the root, as for every other one.
+    const uint32_t eventMask = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
+                               XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_LEAVE_WINDOW;
+    const std::array<uint32_t, 5> values{0, 0, 1, eventMask, visual.colormap()};
+    xcb_create_window(connection, visual.depth(), m_id, connection.root(), toInt16(rect.x()),
+                      toInt16(rect.y()), toUint16(rect.width()), toUint16(rect.height()), 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, visual.visual(),
+                      XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT |
+                          XCB_CW_EVENT_MASK | XCB_CW_COLORMAP,
+                      values.data());
+    setProperties(title, maskID);
+}
+
+NativeOverlayWindow::~NativeOverlayWindow() {
+    if (m_id != XCB_NONE) xcb_destroy_window(m_connection, m_id);
+    if (m_picture != XCB_NONE) xcb_free_pixmap(m_connection, m_picture);
+}
+
+void NativeOverlayWindow::setProperties(const QString& title, const std::optional<QUuid>& maskID) {
+    const X11Atoms& atoms = m_connection.atoms();
+    const auto setText = [&](xcb_atom_t property, xcb_atom_t type, const QByteArray& text) {
+        xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, m_id, property, type, 8,
+                            static_cast<uint32_t>(text.size()), text.constData());
+    };
+    setText(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, QByteArray("veyla\0Veyla", 12));
+    setText(XCB_ATOM_WM_NAME, XCB_ATOM_STRING, title.toLatin1());
+    setText(atoms.netWmName, atoms.utf8String, title.toUtf8());
+    setText(XCB_ATOM_WM_CLIENT_MACHINE, XCB_ATOM_STRING, QSysInfo::machineHostName().toUtf8());
+    if (maskID) setText(atoms.veylaMaskID, atoms.utf8String, uuidText(*maskID).toUtf8());
+
+    const auto pid = static_cast<uint32_t>(QCoreApplication::applicationPid());
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, m_id, atoms.netWmPid,
+                        XCB_ATOM_CARDINAL, 32, 1, &pid);
+    // Compositors give docks no shadow and no effects of their own.
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, m_id, atoms.netWmWindowType,
+                        XCB_ATOM_ATOM, 32, 1, &atoms.netWmWindowTypeDock);
+}
+
+void NativeOverlayWindow::setRect(const QRect& rect) {
+    if (rect == m_rect) return;
+    const std::array<uint32_t, 4> values{static_cast<uint32_t>(toInt16(rect.x())),
+                                         static_cast<uint32_t>(toInt16(rect.y())),
+                                         toUint16(rect.width()), toUint16(rect.height())};
+    m_rect = rect;
+    m_lastSequence = xcb_configure_window(m_connection, m_id,
+                                          XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
+                                              XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                                          values.data())
+                         .sequence;
+}
+
+void NativeOverlayWindow::setPicture(QSize size, const QList<Part>& parts) {
+    const xcb_pixmap_t pixmap = xcb_generate_id(m_connection);
+    xcb_create_pixmap(m_connection, m_visual.depth(), pixmap, m_id, toUint16(size.width()),
+                      toUint16(size.height()));
+    for (const Part& part : parts)
+        putImage(pixmap, part);
+    xcb_change_window_attributes(m_connection, m_id, XCB_CW_BACK_PIXMAP, &pixmap);
+    const xcb_pixmap_t previous = std::exchange(m_picture, pixmap);
+    if (previous != XCB_NONE) xcb_free_pixmap(m_connection, previous);
+    // A resize repaints the window by itself.
+    if (size == m_rect.size()) xcb_clear_area(m_connection, 0, m_id, 0, 0, 0, 0);
+}
+
+void NativeOverlayWindow::putImage(xcb_pixmap_t pixmap, const Part& part) {
+    constexpr qsizetype requestHeader = 64;
+    const qsizetype longestRequest =
+        static_cast<qsizetype>(xcb_get_maximum_request_length(m_connection)) * 4 - requestHeader;
+    const QImage& image = part.image;
+    const qsizetype bytesPerLine = image.bytesPerLine();
+    const int rowsPerRequest =
+        static_cast<int>(std::max<qsizetype>(longestRequest / bytesPerLine, 1));
+    for (int row = 0; row < image.height(); row += rowsPerRequest) {
+        const int rows = std::min(rowsPerRequest, image.height() - row);
+        xcb_put_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, m_visual.graphicsContext(),
+                      toUint16(image.width()), toUint16(rows), toInt16(part.position.x()),
+                      toInt16(part.position.y() + row), 0, m_visual.depth(),
+                      static_cast<uint32_t>(bytesPerLine * rows), image.constScanLine(row));
+    }
+}
+
+void NativeOverlayWindow::setBoundingAreas(const std::optional<QList<QRect>>& areas) {
+    if (!areas) {
+        xcb_shape_mask(m_connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, m_id, 0, 0, XCB_NONE);
+        return;
+    }
+    std::vector<xcb_rectangle_t> rectangles;
+    rectangles.reserve(static_cast<std::size_t>(areas->size()));
+    for (const QRect& area : *areas)
+        rectangles.push_back({toInt16(area.x()), toInt16(area.y()), toUint16(area.width()),
+                              toUint16(area.height())});
+    xcb_shape_rectangles(m_connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
+                         XCB_CLIP_ORDERING_UNSORTED, m_id, 0, 0,
+                         static_cast<uint32_t>(rectangles.size()), rectangles.data());
+}
+
+void NativeOverlayWindow::setInputPassThrough(bool isPassThrough) {
+    if (isPassThrough)
+        xcb_shape_rectangles(m_connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
+                             XCB_CLIP_ORDERING_UNSORTED, m_id, 0, 0, 0, nullptr);
+    else
+        xcb_shape_mask(m_connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, m_id, 0, 0, XCB_NONE);
+}
+
+void NativeOverlayWindow::setCursor(xcb_cursor_t cursor) {
+    xcb_change_window_attributes(m_connection, m_id, XCB_CW_CURSOR, &cursor);
+}
+
+void NativeOverlayWindow::map() {
+    if (std::exchange(m_isMapped, true)) return;
+    m_lastSequence = xcb_map_window(m_connection, m_id).sequence;
+}
+
+void NativeOverlayWindow::unmap() {
+    if (!std::exchange(m_isMapped, false)) return;
+    m_lastSequence = xcb_unmap_window(m_connection, m_id).sequence;
+}
+
+void NativeOverlayWindow::raise() {
+    const uint32_t above = XCB_STACK_MODE_ABOVE;
+    m_lastSequence =
+        xcb_configure_window(m_connection, m_id, XCB_CONFIG_WINDOW_STACK_MODE, &above).sequence;
+}
+
+bool NativeOverlayWindow::isUpToDate(const xcb_generic_event_t& event) const {
+    // Sequence numbers wrap around; what counts is their distance.
+    return static_cast<int32_t>(event.full_sequence - m_lastSequence) >= 0;
+}

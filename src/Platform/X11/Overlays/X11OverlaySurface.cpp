@@ -1,0 +1,218 @@
+#include "Platform/X11/Overlays/X11OverlaySurface.h"
+
+#include "Drawing/FrostedImage.h"
+#include "Platform/X11/Overlays/X11OverlaySurfaces.h"
+#include "Services/ScreenPlacement.h"
+
+#include <QPainter>
+#include <chrono>
+#include <utility>
+
+namespace {
+
+// A frame of a usual display.
+constexpr std::chrono::milliseconds toldWithin{16};
+
+}  // namespace
+
+X11OverlaySurface::X11OverlaySurface(X11OverlaySurfaces& owner, SurfaceDescription description,
+                                     SurfaceDelegate* delegate,
+                                     std::unique_ptr<NativeOverlayWindow> window)
+    : m_owner(owner),
+      m_description(std::move(description)),
+      m_delegate(delegate),
+      m_window(std::move(window)) {}
+
+X11OverlaySurface::~X11OverlaySurface() {
+    m_delegate = nullptr;
+    m_owner.forget(*this);
+}
+
+void X11OverlaySurface::setFrame(const Rect& frame) {
+    m_pendingCatchUp.reset();
+    const bool wasAhead = std::exchange(m_frameAhead, std::nullopt).has_value();
+    const Rect previous = std::exchange(m_description.frame, frame);
+    if (previous == frame && !wasAhead) return;
+    noteChange();
+    tellDelegate(previous);
+}
+
+bool X11OverlaySurface::canMoveNow(const Rect& frame) const {
+    const DesktopSpace& space = m_owner.space();
+    // What has another look there must be painted first.
+    return space.toNative(frame).size() == m_window->rect().size() &&
+           space.scaleFactorAt(frame) == m_scaleFactor;
+}
+
+// The server, a compositor and this program tend to share a processor when one wakes the other. So
+// all that is done here is to send the request and to sleep again: the model hears of many steps at
+// once, and the server is not to wake this program for telling it what it knows.
+void X11OverlaySurface::setFinalFrame(const Rect& frame) {
+    if (frame == wantedFrame()) return;
+    if (!canMoveNow(frame)) return setFrame(frame);
+    if (!m_frameAhead) m_pendingCatchUp = m_owner.after(toldWithin, [this] { catchUp(); });
+    m_frameAhead = frame;
+    m_owner.moveNow(*m_window, m_owner.space().toNative(frame));
+}
+
+void X11OverlaySurface::catchUp() {
+    m_pendingCatchUp.reset();
+    if (!m_frameAhead) return;
+    const SurfaceBatch batch(m_owner);
+    const Rect previous = std::exchange(m_description.frame, *m_frameAhead);
+    m_frameAhead.reset();
+    m_owner.noteBackdropChange(m_owner.space().toNative(previous));
+    m_owner.noteBackdropChange(m_window->rect());
+    noteChange();
+    tellDelegate(previous);
+}
+
+void X11OverlaySurface::noteChange() {
+    m_needsApplying = true;
+    m_owner.noteChange();
+}
+
+void X11OverlaySurface::tellDelegate(const Rect& previous) {
+    if (!m_delegate) return;
+    const Rect& frame = m_description.frame;
+    const bool isMoved = previous.x != frame.x || previous.y != frame.y;
+    const bool isResized = previous.size() != frame.size();
+    if (isMoved) m_delegate->surfaceDidMove();
+    if (isResized) m_delegate->surfaceDidResize();
+}
+
+void X11OverlaySurface::setContent(std::shared_ptr<const SurfaceContent> content) {
+    m_content = std::move(content);
+    m_needsPainting = true;
+    noteChange();
+}
+
+void X11OverlaySurface::setAccessibleDescription(const AccessibleDescription& description) {
+    if (m_accessible == description) return;
+    m_accessible = description;
+    m_owner.describe(*this, m_accessible);
+}
+
+void X11OverlaySurface::setIgnoresMouseEvents(bool ignores) {
+    if (std::exchange(m_ignoresMouseEvents, ignores) != ignores) noteChange();
+}
+
+void X11OverlaySurface::setCursor(CursorShape shape) {
+    if (std::exchange(m_cursor, shape) != shape) noteChange();
+}
+
+void X11OverlaySurface::orderFront() {
+    m_needsApplying |= !std::exchange(m_isShown, true);
+    m_raiseNumber = m_owner.nextRaiseNumber();
+    m_owner.noteOrder();
+}
+
+void X11OverlaySurface::orderOut() {
+    if (!std::exchange(m_isShown, false)) return;
+    m_owner.endGestureOf(*this);
+    m_owner.noteOrder();
+}
+
+void X11OverlaySurface::apply(const DesktopSpace& space) {
+    if (!std::exchange(m_needsApplying, false)) return;
+    const double scaleFactor = space.scaleFactorAt(wantedFrame());
+    const QRect rect = space.toNative(wantedFrame());
+    const bool isRescaled = std::exchange(m_scaleFactor, scaleFactor) != scaleFactor;
+    m_needsPainting |= isRescaled || rect.size() != m_window->rect().size();
+
+    // A hidden window is painted when it is shown.
+    const bool isPaintedNow = m_needsPainting && m_isShown && m_content;
+    const bool isMoved = rect != m_window->rect();
+    if (isMoved || isPaintedNow) m_owner.noteBackdropChange(m_window->rect());
+    // The new picture first: with the new size the server shows it by itself.
+    if (isPaintedNow) paint(rect);
+    m_window->setRect(rect);
+    if (isMoved) m_owner.noteBackdropChange(rect);
+    if (std::exchange(m_hasAppliedPassThrough, m_ignoresMouseEvents) != m_ignoresMouseEvents)
+        m_window->setInputPassThrough(m_ignoresMouseEvents);
+    if (m_appliedCursor != m_cursor && m_isShown) {
+        m_window->setCursor(m_owner.cursor(m_cursor));
+        m_appliedCursor = m_cursor;
+    }
+}
+
+bool X11OverlaySurface::isPlacedAnew() {
+    const bool isElsewhere = std::exchange(m_toldRect, m_window->rect()) != m_window->rect();
+    const bool isShownAnew = std::exchange(m_hasToldShown, m_isShown) != m_isShown;
+    return isElsewhere || isShownAnew;
+}
+
+void X11OverlaySurface::paint(const QRect& rect) {
+    const QSize size = rect.size();
+    const Size points{size.width() / m_scaleFactor, size.height() / m_scaleFactor};
+    QList<NativeOverlayWindow::Part> parts;
+    std::optional<QList<QRect>> bounds;
+    if (const auto paintedPixels = m_content->paintedPixels(points, m_scaleFactor)) {
+        bounds.emplace();
+        for (const QRect& area : *paintedPixels) {
+            const QRect pixels = area.intersected(QRect(QPoint(0, 0), size));
+            if (pixels.isEmpty()) continue;
+            bounds->append(pixels);
+            parts.append({pixels.topLeft(), paintPart(pixels, points, std::nullopt)});
+        }
+    } else {
+        parts.append({QPoint(0, 0), paintPart(QRect(QPoint(0, 0), size), points,
+                                              m_owner.backdropOf(*this, rect))});
+    }
+    m_window->setPicture(size, parts);
+    if (std::exchange(m_hasBoundingAreas, bounds.has_value()) || bounds)
+        m_window->setBoundingAreas(bounds);
+    m_needsPainting = false;
+}
+
+QImage X11OverlaySurface::paintPart(const QRect& part, Size points,
+                                    const std::optional<QImage>& backdrop) const {
+    QImage image(part.size(), m_owner.imageFormat());
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    if (backdrop && !m_owner.isCompositing()) painter.drawImage(0, 0, *backdrop);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (isFrosted()) paintFrost(painter, points, backdrop);
+    painter.translate(-part.topLeft());
+    painter.scale(m_scaleFactor, m_scaleFactor);
+    m_content->paint(painter, points);
+    painter.end();
+    return image;
+}
+
+void X11OverlaySurface::paintFrost(QPainter& painter, Size points,
+                                   const std::optional<QImage>& backdrop) const {
+    const double deviation = m_content->backdropBlur() * m_scaleFactor;
+    const QBrush glass = backdrop ? QBrush(frosted(*backdrop, deviation)) : QBrush(Qt::black);
+    painter.fillPath(m_content->blurredShape(points, m_scaleFactor), glass);
+}
+
+void X11OverlaySurface::followScreens(const QList<ScreenInfo>& oldScreens,
+                                      const DesktopSpace& space) {
+    m_needsApplying = true;
+    m_pendingCatchUp.reset();
+    if (m_frameAhead) m_description.frame = *std::exchange(m_frameAhead, std::nullopt);
+    // Where the screen itself is gone, the window is still where it was in pixels.
+    m_description.frame = rectFollowingItsScreen(m_description.frame, oldScreens, space.screens())
+                              .value_or(space.toGlobal(m_window->rect()));
+}
+
+void X11OverlaySurface::adoptForeignRect(const QRect& rect, const DesktopSpace& space) {
+    m_window->noteForeignRect(rect);
+    m_needsPainting = true;
+    m_pendingCatchUp.reset();
+    m_frameAhead.reset();
+    const Rect previous = std::exchange(m_description.frame, space.toGlobal(rect));
+    noteChange();
+    if (previous != m_description.frame) tellDelegate(previous);
+}
+
+std::unique_ptr<NativeOverlayWindow> X11OverlaySurface::replaceWindow(
+    std::unique_ptr<NativeOverlayWindow> window) {
+    m_needsApplying = true;
+    m_needsPainting = true;
+    m_hasAppliedPassThrough = false;
+    m_hasBoundingAreas = false;
+    m_appliedCursor.reset();
+    return std::exchange(m_window, std::move(window));
+}

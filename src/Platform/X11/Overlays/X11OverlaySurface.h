@@ -1,0 +1,93 @@
+#pragma once
+
+#include "Platform/OverlaySurfaces.h"
+#include "Platform/X11/DesktopSpace.h"
+#include "Platform/X11/Overlays/NativeOverlayWindow.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+class X11OverlaySurfaces;
+
+/// An overlay surface as a window of the X server. It keeps what is wanted; `apply` brings the
+/// window in step with it, so that many changes become one visible step.
+class X11OverlaySurface final : public OverlaySurface {
+public:
+    X11OverlaySurface(X11OverlaySurfaces& owner, SurfaceDescription description,
+                      SurfaceDelegate* delegate, std::unique_ptr<NativeOverlayWindow> window);
+    ~X11OverlaySurface() override;
+
+    Rect frame() const override { return m_description.frame; }
+    void setFrame(const Rect& frame) override;
+    void setFinalFrame(const Rect& frame) override;
+    void setContent(std::shared_ptr<const SurfaceContent> content) override;
+    void setAccessibleDescription(const AccessibleDescription& description) override;
+    void setIgnoresMouseEvents(bool ignores) override;
+    void setCursor(CursorShape shape) override;
+    void orderFront() override;
+    void orderOut() override;
+
+    /// Takes over where `setFinalFrame` has put the window, and tells the delegate.
+    void catchUp();
+
+    const SurfaceDescription& description() const { return m_description; }
+    SurfaceDelegate* delegate() const { return m_delegate; }
+    NativeOverlayWindow& window() { return *m_window; }
+    const NativeOverlayWindow& window() const { return *m_window; }
+    bool isShown() const { return m_isShown; }
+    /// The later a surface was last ordered to the front, the higher it lies.
+    std::uint64_t raiseNumber() const { return m_raiseNumber; }
+    /// Device pixels per point where the surface is.
+    double scaleFactor() const { return m_scaleFactor; }
+
+    /// Whether it shows what lies below blurred, which no compositor does by itself.
+    bool isFrosted() const { return m_content && m_content->backdropBlur() > 0; }
+
+    /// Sends to the server what differs from the wanted state, mapping and stacking excepted.
+    void apply(const DesktopSpace& space);
+    /// Whether the surface is elsewhere, or shown otherwise, than at the last call.
+    bool isPlacedAnew();
+    /// Paints what is shown again, on what lies below it now.
+    void repaint() {
+        if (m_isShown && m_content) paint(m_window->rect());
+    }
+    /// Takes over where the window is after the screens changed; the delegate is not told.
+    void followScreens(const QList<ScreenInfo>& oldScreens, const DesktopSpace& space);
+    /// Takes over where another program put the window, and tells the delegate.
+    void adoptForeignRect(const QRect& rect, const DesktopSpace& space);
+    /// Puts a new window in the place of the old one, which is returned still as it was.
+    std::unique_ptr<NativeOverlayWindow> replaceWindow(std::unique_ptr<NativeOverlayWindow> window);
+
+private:
+    void noteChange();
+    bool canMoveNow(const Rect& frame) const;
+    /// Where the window is to be.
+    const Rect& wantedFrame() const { return m_frameAhead ? *m_frameAhead : m_description.frame; }
+    void paint(const QRect& rect);
+    QImage paintPart(const QRect& part, Size points, const std::optional<QImage>& backdrop) const;
+    void paintFrost(QPainter& painter, Size points, const std::optional<QImage>& backdrop) const;
+    void tellDelegate(const Rect& previous);
+
+    X11OverlaySurfaces& m_owner;
+    SurfaceDescription m_description;
+    /// Where the window is already, while the delegate has not been told.
+    std::optional<Rect> m_frameAhead;
+    Subscription m_pendingCatchUp;
+    SurfaceDelegate* m_delegate;
+    std::unique_ptr<NativeOverlayWindow> m_window;
+    std::shared_ptr<const SurfaceContent> m_content;
+    AccessibleDescription m_accessible;
+    CursorShape m_cursor = CursorShape::arrow;
+    std::optional<CursorShape> m_appliedCursor;
+    bool m_ignoresMouseEvents = false;
+    bool m_hasAppliedPassThrough = false;
+    bool m_hasBoundingAreas = false;
+    bool m_isShown = false;
+    QRect m_toldRect;
+    bool m_hasToldShown = false;
+    bool m_needsApplying = true;
+    bool m_needsPainting = true;
+    double m_scaleFactor = 1;
+    std::uint64_t m_raiseNumber = 0;
+};
