@@ -87,8 +87,10 @@ public:
     /// The same for a frame that will not be changed again in answer to it. The surface may be seen
     /// there before the batch ends and before the delegate is told, which may take some
     /// milliseconds; of frames that follow each other faster only the last is told, but always
-    /// before a gesture ends. `frame` changes when the delegate is told.
+    /// before the surface's gesture ends. `frame` changes when the delegate is told.
     virtual void setFinalFrame(const Rect& frame) { setFrame(frame); }
+    /// Tells the delegate now what it is still to be told of final frames.
+    virtual void catchUp() {}
     /// Shows `content` from now on.
     virtual void setContent(std::shared_ptr<const SurfaceContent> content) = 0;
     virtual void setAccessibleDescription(const AccessibleDescription& description) = 0;

@@ -65,6 +65,7 @@ GuideOverlayWindow::GuideOverlayWindow(OverlaySurfaces& surfaces)
 
 void GuideOverlayWindow::show(const QList<GuideLine>& guides, const Rect& visibleFrame) {
     if (guides.isEmpty()) {
+        m_shownGuides.clear();
         m_surface->orderOut();
         return;
     }
@@ -80,4 +81,8 @@ void GuideOverlayWindow::show(const QList<GuideLine>& guides, const Rect& visibl
         m_surface->setContent(std::make_shared<const GuideView>(inView));
     }
     m_surface->orderFront();
+}
+
+void GuideOverlayWindow::bringToFront() {
+    if (!m_shownGuides.isEmpty()) m_surface->orderFront();
 }

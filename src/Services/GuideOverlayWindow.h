@@ -32,6 +32,8 @@ public:
     /// Shows the guides, given in the global desktop space, across `visibleFrame`; hides the
     /// window when there are none.
     void show(const QList<GuideLine>& guides, const Rect& visibleFrame);
+    /// Puts the guides that are shown above all masks again.
+    void bringToFront();
 
 private:
     QList<GuideLine> m_shownGuides;

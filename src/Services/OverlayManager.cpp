@@ -120,6 +120,7 @@ void OverlayManager::recoverWindowsForCurrentScreens() {
         const QList<Rect> frames = visibleFrames(m_screens);
         for (auto& [id, entry] : m_windows) {
             OverlayWindow& window = *entry.window;
+            window.catchUp();
             const Rect target = resolvedFrame(window.frame(), frames);
             if (window.frame() != target) window.setFrame(target);
             if (window.frame() != entry.modelFrame) reportFrame(window);

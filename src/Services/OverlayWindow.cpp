@@ -141,6 +141,8 @@ void OverlayWindow::restartGesture() {
 
 void OverlayWindow::surfaceDidMove() {
     m_delegate.windowDidMove(*this);
+    // The sync that followed has ordered all masks to the front.
+    if (const auto* move = std::get_if<Move>(&m_gesture)) move->guideWindow->bringToFront();
 }
 
 void OverlayWindow::surfaceDidResize() {

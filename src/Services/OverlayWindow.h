@@ -71,6 +71,8 @@ public:
     /// screen.
     Rect screenVisibleFrame(const Rect& frame) const;
 
+    /// Tells the delegate what it is still to be told.
+    void catchUp() { m_surface->catchUp(); }
     /// Lets a running move or resize go on from where window and pointer are now, after the
     /// screens changed under it.
     void restartGesture();

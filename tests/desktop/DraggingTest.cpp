@@ -83,12 +83,13 @@ TEST_F(Dragging, SnapsAtEightPointsAndStopsAtTheScreensEdge) {
         input.movePointer(from + delta / 2);
         input.movePointer(from + delta);
         EXPECT_TRUE(comesTo(mask, QRect(corner, startRect.size())));
-        // The mask is seen before the guides are; the step is over once the program answers.
-        status();
+        // The mask is seen before the guides are, and before the model knows.
+        EXPECT_TRUE(waitUntil([&] { return frameOf(mask).x == corner.x(); }));
         EXPECT_EQ(guideIsShown(), guideX >= 0 || guideY >= 0);
         const Screenshot screen(probe);
         if (guideX >= 0) {
             EXPECT_EQ(screen.pixel(guideX, 200), violet);
+            EXPECT_EQ(screen.pixel(guideX, corner.y() + 30), violet) << "above the mask as well";
         }
         if (guideY >= 0) {
             EXPECT_EQ(screen.pixel(1000, guideY), violet);

@@ -1,4 +1,5 @@
 #include "DashboardFixture.h"
+#include "Views/Design/VeylaTheme.h"
 #include "Views/MenuBar/ColorDot.h"
 #include "Views/MenuBar/MenuBarButton.h"
 #include "Views/MenuBar/MenuBarExtra.h"
@@ -154,7 +155,7 @@ TEST_F(MenuBarTest, ShowsWhatThereIs) {
         EXPECT_EQ(part(u"Presets"_s) != nullptr, !each.presets.isEmpty());
         EXPECT_EQ(maskNames().size(), each.maskRows);
         EXPECT_EQ(textOf(u"panel-overlay-count"_s), u"%1 active overlays"_s.arg(each.masks));
-        EXPECT_EQ(m_panel->width(), 250);
+        EXPECT_EQ(part(u"Veyla Panel"_s)->width(), 250);
         EXPECT_NE(m_panel->height(), former) << "the height is that of another content";
         EXPECT_EQ(m_panel->findChildren<QScrollBar*>().size(), 0) << "it is cut off";
         former = m_panel->height();
@@ -337,11 +338,24 @@ TEST_F(MenuBarTest, ATooHighContentScrolls) {
         addPreset(u"Preset"_s, 1);
     }
     state().selectedMaskID.set(masks()[0].id);
+    const QFont former = QApplication::font();
+    QFont large = former;
+    large.setPixelSize(26);
+    QApplication::setFont(large);
     openPanel();
+    QApplication::setFont(former);
     const QRect available = m_panel->screen()->availableGeometry();
     ASSERT_GT(m_panel->height(), 600) << "the content of the offscreen desktop fits";
     EXPECT_TRUE(available.contains(m_panel->frameGeometry()));
+    const auto grooveColor = [this] {
+        const QImage picture = m_panel->screen()->grabWindow(m_panel->winId()).toImage();
+        return picture.pixelColor(m_panel->width() - 6, 40);
+    };
+    const auto* const bar = m_panel->findChildren<QScrollBar*>().constFirst();
+    EXPECT_NE(grooveColor(), VeylaTheme::panel()) << "the handle is at the top";
     key(Qt::Key_End);
+    EXPECT_EQ(bar->value(), bar->maximum());
+    EXPECT_EQ(grooveColor(), VeylaTheme::panel()) << "the handle leaves a trail";
     QWidget* const last = part(u"Delete Selected"_s);
     EXPECT_EQ(last->visibleRegion().boundingRect().height(), last->height());
     EXPECT_EQ(QApplication::focusWidget(), last);

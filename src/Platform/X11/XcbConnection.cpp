@@ -172,13 +172,17 @@ void XcbConnection::dispatchBurst(xcb_generic_event_t* first) {
     if (!first) return;
     m_isDispatching = true;
     XcbReply<xcb_generic_event_t> event(first);
+    Published<const xcb_generic_event_t*>* told = nullptr;
     while (event) {
+        auto& field = isOfPointer(*event) ? m_pointerEvent : m_event;
+        // What the other one holds has gone.
+        if (told && told != &field) told->set(nullptr);
+        told = &field;
         const bool isError = event->response_type == 0;
-        if (!isError) (isOfPointer(*event) ? m_pointerEvent : m_event).set(event.get());
+        if (!isError) field.set(event.get());
         event.reset(xcb_poll_for_queued_event(m_connection));
     }
-    m_event.set(nullptr);
-    m_pointerEvent.set(nullptr);
+    told->set(nullptr);
     m_burstEnd.notify();
     m_isDispatching = false;
 }

@@ -2,6 +2,7 @@
 
 #include "Views/Components/AppIconView.h"
 #include "Views/Design/Typography.h"
+#include "Views/Design/VeylaCard.h"
 #include "Views/Design/VeylaTheme.h"
 
 #include <QAbstractScrollArea>
@@ -56,14 +57,7 @@ public:
 
 // Opaque where translucent white on the window would be: style sheets paint onto nothing.
 QString onWindow(const QColor& color) {
-    const QColor ground = VeylaTheme::sidebar();
-    const auto mixed = [&](float top, float bottom) {
-        return top * color.alphaF() + bottom * (1 - color.alphaF());
-    };
-    return QColor::fromRgbF(mixed(color.redF(), ground.redF()),
-                            mixed(color.greenF(), ground.greenF()),
-                            mixed(color.blueF(), ground.blueF()))
-        .name();
+    return colorOver(color, VeylaTheme::sidebar()).name();
 }
 
 QString menuSheet() {

@@ -96,9 +96,9 @@ void MenuBarPanel::open(const QRect& anchor) {
 void MenuBarPanel::settleKeyboard() {
     m_keyboardSettles.reset();
     const QWindow* const focused = QGuiApplication::focusWindow();
-    if (focused == windowHandle()) return;
+    if (focused && focused != windowHandle()) return takeKeyboard();
     const bool isTakenByAnotherProgram = m_hasFocus && !focused;
-    isTakenByAnotherProgram ? hide() : takeKeyboard();
+    if (isTakenByAnotherProgram) hide();
 }
 
 void MenuBarPanel::takeKeyboard() {
@@ -116,7 +116,7 @@ void MenuBarPanel::fit() {
     if (!screen) screen = QGuiApplication::primaryScreen();
     if (!screen) return;
     const QRect available = screen->availableGeometry();
-    const int width = qRound(MenuBarView::panelWidth * textScale());
+    const int width = qRound(MenuBarView::panelWidth * textScale()) + 2 * borderWidth;
     const int needed = m_view->neededHeight() + 2 * borderWidth;
     const QSize size = QSize(width, needed).boundedTo(available.size());
     resize(size);
@@ -147,9 +147,10 @@ void MenuBarPanel::pressed(PointerPresses::Button button) {
     if (!isToggle) hide();
 }
 
-// The content covers all but the border.
+// The content covers all but the border, and a scroll area covers nothing but its content.
 void MenuBarPanel::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
+    if (m_area) painter.fillRect(rect(), VeylaTheme::panel());
     const QColor color = colorOver(VeylaTheme::border(), VeylaTheme::panel());
     const int right = width() - borderWidth;
     const int bottom = height() - borderWidth;

@@ -264,7 +264,7 @@ void MenuBarView::update() {
     m_updates->setEnabled(m_state.updaterManager().canCheckForUpdates().value());
     updatePresets();
     updateMasks();
-    showRows(m_selectionBlock.rows, m_state.activeMask() ? 3 : 0);
+    showRows(m_selectionBlock.rows, m_state.activeMask() ? std::ssize(m_selectionBlock.rows) : 0);
     m_neededHeight.reset();
     m_isArranged = false;
     if (isVisible()) arrange();

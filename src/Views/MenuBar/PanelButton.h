@@ -11,8 +11,8 @@ class TextLine;
 /// then shown in full as the tooltip.
 class PanelButton : public QPushButton {
 public:
-    /// `title` is what assistive technology calls it. The font is that of the text it paints; the
-    /// widget's own stays what it is, since setting it takes longer than all else here.
+    /// `title` is what assistive technology calls it. Buttons keep the font that they paint with
+    /// themselves: setting the widget's takes longer than all else here.
     PanelButton(const QString& title, QWidget* parent);
 
     QSize minimumSizeHint() const override;

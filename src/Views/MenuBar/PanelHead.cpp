@@ -87,7 +87,7 @@ void PanelHead::paintEvent(QPaintEvent* /*event*/) {
                          iconSide);
     const QRect line = m_frontmost->geometry();
     paintDot(painter,
-             QRectF(sidePadding, line.top() + (line.height() - frontmostDot) / 2, frontmostDot,
+             QRectF(sidePadding, line.top() + (line.height() - frontmostDot) / 2.0, frontmostDot,
                     frontmostDot),
              VeylaTheme::accentBlue());
 }

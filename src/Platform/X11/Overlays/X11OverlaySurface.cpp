@@ -5,15 +5,7 @@
 #include "Services/ScreenPlacement.h"
 
 #include <QPainter>
-#include <chrono>
 #include <utility>
-
-namespace {
-
-// A frame of a usual display.
-constexpr std::chrono::milliseconds toldWithin{16};
-
-}  // namespace
 
 X11OverlaySurface::X11OverlaySurface(X11OverlaySurfaces& owner, SurfaceDescription description,
                                      SurfaceDelegate* delegate,
@@ -29,8 +21,7 @@ X11OverlaySurface::~X11OverlaySurface() {
 }
 
 void X11OverlaySurface::setFrame(const Rect& frame) {
-    m_pendingCatchUp.reset();
-    const bool wasAhead = std::exchange(m_frameAhead, std::nullopt).has_value();
+    const bool wasAhead = takeFrameAhead().has_value();
     const Rect previous = std::exchange(m_description.frame, frame);
     if (previous == frame && !wasAhead) return;
     noteChange();
@@ -50,19 +41,27 @@ bool X11OverlaySurface::canMoveNow(const Rect& frame) const {
 void X11OverlaySurface::setFinalFrame(const Rect& frame) {
     if (frame == wantedFrame()) return;
     if (!canMoveNow(frame)) return setFrame(frame);
-    if (!m_frameAhead) m_pendingCatchUp = m_owner.after(toldWithin, [this] { catchUp(); });
+    if (!m_frameAhead) {
+        m_pendingCatchUp = m_owner.after(X11OverlaySurfaces::displayFrame, [this] { catchUp(); });
+        m_passedRect = m_window->rect();
+    }
     m_frameAhead = frame;
     m_owner.moveNow(*m_window, m_owner.space().toNative(frame));
+    m_passedRect |= m_window->rect();
+}
+
+std::optional<Rect> X11OverlaySurface::takeFrameAhead() {
+    m_pendingCatchUp.reset();
+    // The pictures of others may show it anywhere on its way.
+    if (m_frameAhead) m_owner.noteBackdropChange(m_passedRect);
+    return std::exchange(m_frameAhead, std::nullopt);
 }
 
 void X11OverlaySurface::catchUp() {
-    m_pendingCatchUp.reset();
-    if (!m_frameAhead) return;
     const SurfaceBatch batch(m_owner);
-    const Rect previous = std::exchange(m_description.frame, *m_frameAhead);
-    m_frameAhead.reset();
-    m_owner.noteBackdropChange(m_owner.space().toNative(previous));
-    m_owner.noteBackdropChange(m_window->rect());
+    const auto ahead = takeFrameAhead();
+    if (!ahead) return;
+    const Rect previous = std::exchange(m_description.frame, *ahead);
     noteChange();
     tellDelegate(previous);
 }
@@ -190,8 +189,7 @@ void X11OverlaySurface::paintFrost(QPainter& painter, Size points,
 void X11OverlaySurface::followScreens(const QList<ScreenInfo>& oldScreens,
                                       const DesktopSpace& space) {
     m_needsApplying = true;
-    m_pendingCatchUp.reset();
-    if (m_frameAhead) m_description.frame = *std::exchange(m_frameAhead, std::nullopt);
+    m_description.frame = takeFrameAhead().value_or(m_description.frame);
     // Where the screen itself is gone, the window is still where it was in pixels.
     m_description.frame = rectFollowingItsScreen(m_description.frame, oldScreens, space.screens())
                               .value_or(space.toGlobal(m_window->rect()));
@@ -200,8 +198,7 @@ void X11OverlaySurface::followScreens(const QList<ScreenInfo>& oldScreens,
 void X11OverlaySurface::adoptForeignRect(const QRect& rect, const DesktopSpace& space) {
     m_window->noteForeignRect(rect);
     m_needsPainting = true;
-    m_pendingCatchUp.reset();
-    m_frameAhead.reset();
+    takeFrameAhead();
     const Rect previous = std::exchange(m_description.frame, space.toGlobal(rect));
     noteChange();
     if (previous != m_description.frame) tellDelegate(previous);

@@ -21,15 +21,13 @@ public:
     Rect frame() const override { return m_description.frame; }
     void setFrame(const Rect& frame) override;
     void setFinalFrame(const Rect& frame) override;
+    void catchUp() override;
     void setContent(std::shared_ptr<const SurfaceContent> content) override;
     void setAccessibleDescription(const AccessibleDescription& description) override;
     void setIgnoresMouseEvents(bool ignores) override;
     void setCursor(CursorShape shape) override;
     void orderFront() override;
     void orderOut() override;
-
-    /// Takes over where `setFinalFrame` has put the window, and tells the delegate.
-    void catchUp();
 
     const SurfaceDescription& description() const { return m_description; }
     SurfaceDelegate* delegate() const { return m_delegate; }
@@ -62,6 +60,8 @@ public:
 private:
     void noteChange();
     bool canMoveNow(const Rect& frame) const;
+    /// Ends being ahead; returns where the window is if it was.
+    std::optional<Rect> takeFrameAhead();
     /// Where the window is to be.
     const Rect& wantedFrame() const { return m_frameAhead ? *m_frameAhead : m_description.frame; }
     void paint(const QRect& rect);
@@ -73,6 +73,8 @@ private:
     SurfaceDescription m_description;
     /// Where the window is already, while the delegate has not been told.
     std::optional<Rect> m_frameAhead;
+    /// All that it has covered since the delegate was told.
+    QRect m_passedRect;
     Subscription m_pendingCatchUp;
     SurfaceDelegate* m_delegate;
     std::unique_ptr<NativeOverlayWindow> m_window;

@@ -3,13 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-namespace {
-
-// A frame of a usual display.
-constexpr std::chrono::milliseconds shortestRefreshInterval{16};
-
-}  // namespace
-
 bool X11OverlaySurfaces::usesBackdrop(const X11OverlaySurface& surface) const {
     return surface.isShown() && (!isCompositing() || surface.isFrosted());
 }
@@ -47,7 +40,7 @@ void X11OverlaySurfaces::noteBackdropChange(const QRect& rect) {
     m_changedBackdrop.push_back(rect);
     if (m_pendingRefresh.isActive()) return;
     using namespace std::chrono;
-    const auto due = m_lastRefresh + shortestRefreshInterval;
+    const auto due = m_lastRefresh + displayFrame;
     const auto wait = duration_cast<milliseconds>(due - steady_clock::now());
     m_pendingRefresh =
         m_services.scheduler.after(std::max(wait, milliseconds(0)), [this] { refreshBackdrops(); });

@@ -62,6 +62,9 @@ private:
     friend class X11OverlaySurface;
     friend class OverlayInput;
 
+    /// How long a frame of a usual display lasts.
+    static constexpr std::chrono::milliseconds displayFrame{16};
+
     // What a surface tells and asks of its owner.
     void forget(X11OverlaySurface& surface);
     void noteChange();
