@@ -21,7 +21,9 @@ constexpr std::chrono::seconds settlingTime{2};
 /// A Veyla whose masks are on screen and that has done what a start brings with it.
 class IdleVeyla {
 public:
-    explicit IdleVeyla(bool hasTray) {
+    // The tray's panel shows itself only once there is a window manager.
+    explicit IdleVeyla(bool hasTray)
+        : m_desktop(hasTray ? DesktopSession::Options() : quietDesktop()) {
         if (hasTray) m_tray = std::make_unique<TrayPanel>(m_desktop);
         storeWorkspace(m_desktop, rowsOfMasks(maskCount));
         DisplayObserver observer(m_desktop.displayName());
@@ -34,7 +36,7 @@ public:
     pid_t pid() const { return m_program->pid(); }
 
 private:
-    DesktopSession m_desktop{quietDesktop()};
+    DesktopSession m_desktop;
     std::unique_ptr<TrayPanel> m_tray;
     std::unique_ptr<ChildProcess> m_program;
 };
