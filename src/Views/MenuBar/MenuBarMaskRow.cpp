@@ -84,9 +84,7 @@ private:
 
 class MenuBarMaskRow::VisibilityButton final : public PanelButton {
 public:
-    explicit VisibilityButton(QWidget* parent) : PanelButton({}, parent) {
-        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    }
+    explicit VisibilityButton(QWidget* parent) : PanelButton({}, parent) {}
 
     void show(bool isVisible, bool isSelected) {
         m_isVisible = isVisible;
@@ -97,7 +95,6 @@ public:
         const int side = static_cast<int>(std::ceil(visibilitySymbol(true).side()));
         return {PanelRow::gap + side + PanelRow::horizontalPadding, side + 2 * verticalPadding};
     }
-    QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     void paintEvent(QPaintEvent* /*event*/) override {

@@ -18,11 +18,6 @@ constexpr double pressedOpacity = 0.7;
 PanelButton::PanelButton(const QString& title, QWidget* parent) : QPushButton(title, parent) {
     setAutoDefault(false);
     setFocusPolicy(Qt::StrongFocus);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-}
-
-QSize PanelButton::minimumSizeHint() const {
-    return {0, sizeHint().height()};
 }
 
 void PanelButton::keyPressEvent(QKeyEvent* event) {

@@ -15,8 +15,6 @@ public:
     /// themselves: setting the widget's takes longer than all else here.
     PanelButton(const QString& title, QWidget* parent);
 
-    QSize minimumSizeHint() const override;
-
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
