@@ -2,38 +2,24 @@
 // mask costs with many of them, and what dragging the opacity slider costs; and how long showing
 // the settings takes. In memory, without a server: what is measured is the program's own work.
 
-#include "Platform/Headless/HeadlessDesktop.h"
 #include "Platform/Headless/HeadlessLoginItem.h"
 #include "Views/Components/AmountSlider.h"
 #include "Views/ContentView.h"
 #include "Views/Settings/SettingsWindow.h"
-#include "benchmarks/support/MaskRows.h"
 #include "benchmarks/support/Samples.h"
 #include "benchmarks/support/WindowBenchmarks.h"
-#include "support/HeadlessPlatform.h"
-#include "support/RecordingSystemLog.h"
 
 #include <QApplication>
-#include <QLabel>
 #include <QPaintEvent>
-#include <QTemporaryDir>
-#include <QVBoxLayout>
 #include <ctime>
 
 namespace {
 
 constexpr int rounds = 15;
 
-/// The program's state and window on a desktop in memory.
-class Program {
+class Program final : public ProgramInMemory {
 public:
-    explicit Program(int maskCount) {
-        m_desktop.screens.setScreens(
-            {{QStringLiteral("A"), {0, 0, 1280, 800}, {0, 0, 1280, 800}, 1}});
-        state.hasCompletedOnboarding.set(true);
-        state.masks.set(rowsOfMasks(maskCount));
-        settle();
-    }
+    using ProgramInMemory::ProgramInMemory;
 
     std::unique_ptr<ContentView> makeWindow() {
         return std::make_unique<ContentView>(state, m_desktop.mainLoop, m_commands, [] {});
@@ -43,30 +29,14 @@ public:
         return std::make_unique<SettingsWindow>(state, m_desktop.mainLoop, m_loginItem);
     }
 
-    /// Delivers what was put off to the next turn, and paints.
-    void settle() {
-        m_desktop.mainLoop.advanceBy(std::chrono::milliseconds(0));
-        QApplication::processEvents();
-    }
-
 private:
-    QTemporaryDir m_folder;
-    RecordingSystemLog m_log;
-    HeadlessDesktop m_desktop;
     HeadlessLoginItem m_loginItem;
-
-public:
-    AppState state{headlessPlatform(m_desktop, m_log, m_folder.path())};
-
-private:
     VeylaCommands m_commands{state, nullptr};
 };
 
+/// A plain window of that size.
 std::unique_ptr<QWidget> plainWindow(int rowCount, QSize size) {
-    auto window = std::make_unique<QWidget>();
-    auto* const layout = new QVBoxLayout(window.get());
-    for (int row = 0; row < rowCount; ++row)
-        layout->addWidget(new QLabel(QStringLiteral("Row %1").arg(row)));
+    auto window = ::plainWindow(rowCount);
     window->resize(size);
     return window;
 }

@@ -2,18 +2,9 @@
 // takes, with more masks and presets than it shows. In memory, without a server: what is measured
 // is the program's own work.
 
-#include "Platform/Headless/HeadlessDesktop.h"
 #include "Views/MenuBar/MenuBarPanel.h"
-#include "benchmarks/support/MaskRows.h"
 #include "benchmarks/support/Samples.h"
 #include "benchmarks/support/WindowBenchmarks.h"
-#include "support/HeadlessPlatform.h"
-#include "support/RecordingSystemLog.h"
-
-#include <QApplication>
-#include <QLabel>
-#include <QTemporaryDir>
-#include <QVBoxLayout>
 
 namespace {
 
@@ -23,14 +14,9 @@ constexpr int presetCount = 50;
 constexpr int plainRows = 20;
 constexpr QRect anchor(600, 0, 24, 24);
 
-/// The program's state on a desktop in memory.
-class Program {
+class Program final : public ProgramInMemory {
 public:
-    Program() {
-        m_desktop.screens.setScreens(
-            {{QStringLiteral("A"), {0, 0, 1280, 800}, {0, 0, 1280, 800}, 1}});
-        state.hasCompletedOnboarding.set(true);
-        state.masks.set(rowsOfMasks(maskCount));
+    Program() : ProgramInMemory(maskCount) {
         state.selectedMaskID.set(state.masks.value().first().id);
         QList<MaskPreset> presets;
         for (int number = 0; number < presetCount; ++number) {
@@ -48,29 +34,7 @@ public:
         return std::make_unique<MenuBarPanel>(state, m_desktop.mainLoop, m_desktop.pointerPresses,
                                               nullptr);
     }
-
-    /// Delivers what was put off to the next turn, and paints.
-    void settle() {
-        m_desktop.mainLoop.advanceBy(std::chrono::milliseconds(0));
-        QApplication::processEvents();
-    }
-
-private:
-    QTemporaryDir m_folder;
-    RecordingSystemLog m_log;
-    HeadlessDesktop m_desktop;
-
-public:
-    AppState state{headlessPlatform(m_desktop, m_log, m_folder.path())};
 };
-
-std::unique_ptr<QWidget> plainWindow() {
-    auto window = std::make_unique<QWidget>();
-    auto* const layout = new QVBoxLayout(window.get());
-    for (int row = 0; row < plainRows; ++row)
-        layout->addWidget(new QLabel(QStringLiteral("Row %1").arg(row)));
-    return window;
-}
 
 // From nothing to every pixel painted.
 void showPanel(benchmark::State& benchmarkState) {
@@ -85,7 +49,7 @@ void showPanel(benchmark::State& benchmarkState) {
                 program.settle();
             });
             plainTimes.measure([&] {
-                const auto window = plainWindow();
+                const auto window = plainWindow(plainRows);
                 window->show();
                 program.settle();
             });
@@ -100,7 +64,7 @@ void showPanelAgain(benchmark::State& benchmarkState) {
     Samples panelTimes;
     Samples plainTimes;
     const auto panel = program.makePanel();
-    const auto window = plainWindow();
+    const auto window = plainWindow(plainRows);
     for (auto iteration : benchmarkState) {
         for (int round = 0; round < rounds; ++round) {
             for (const auto& [opened, times] :
