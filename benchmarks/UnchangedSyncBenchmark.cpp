@@ -22,7 +22,7 @@ void unchangedSync(benchmark::State& state) {
     StderrLog log;
     QtMainLoop mainLoop;
     QString error;
-    const auto desktop = X11Desktop::open(mainLoop, log, nullptr, &error);
+    const auto desktop = X11Desktop::open({mainLoop, log}, &error);
     if (!desktop) {
         state.SkipWithError(qPrintable(error));
         return;

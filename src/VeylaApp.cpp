@@ -11,6 +11,7 @@
 #include "Platform/Qt/QtMainLoop.h"
 #include "Platform/Qt/QtUrlLoader.h"
 #include "Platform/Qt/SessionBus.h"
+#include "Platform/Qt/SessionLock.h"
 #include "Platform/Qt/StderrLog.h"
 #include "Platform/Qt/Tray/DesktopTrayIcon.h"
 #include "Platform/Qt/Updates/AppcastUpdateFramework.h"
@@ -167,7 +168,9 @@ CommandResult runVeyla(InstanceLock& lock, VeylaApp::Start start, int argc, char
     {
         const AccessibleIdentifiers identifiers;
         OverlayAccessibility accessibility;
-        const auto desktop = X11Desktop::open(mainLoop, log, &accessibility, &error);
+        const SessionLock sessionLock;
+        const auto desktop =
+            X11Desktop::open({mainLoop, log, &accessibility, &sessionLock.isLocked()}, &error);
         if (!desktop) return noDisplay(error);
         AtSpiAnnouncer announcer;
         QtApplicationHost applicationHost(desktop->windowManagement());

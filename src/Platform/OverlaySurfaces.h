@@ -24,6 +24,9 @@ public:
     /// corner, y downward, one unit a point; the device pixels behind it depend on the screen.
     virtual void paint(QPainter& painter, Size size) const = 0;
 
+    /// Whether `other` paints the same, at every size. Better safe: false where that is not known.
+    virtual bool looksLike(const SurfaceContent& /*other*/) const { return false; }
+
     /// The only device pixels that are painted, counted from the top-left corner, where a point is
     /// `scale` pixels. The surface is absent elsewhere, even on a screen that cannot show
     /// transparency. Nothing means the whole surface.
@@ -74,7 +77,8 @@ public:
 };
 
 /// A borderless, transparent window above all others, on every workspace. It never activates and
-/// never takes the keyboard. Destroying it takes it off the screen.
+/// never takes the keyboard. Destroying it takes it off the screen, together with the other changes
+/// of the same batch: what is shown in its place comes first.
 class OverlaySurface {
 public:
     virtual ~OverlaySurface() = default;

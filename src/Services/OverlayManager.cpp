@@ -8,6 +8,7 @@
 OverlayManager::OverlayManager(MainLoop& mainLoop, Screens& screens, OverlaySurfaces& surfaces)
     : m_screens(screens), m_surfaces(surfaces) {
     m_screenObserver = m_screens.onScreensChanged([this, &mainLoop] {
+        m_needsRecovery = true;
         mainLoop.post(m_lifetime.guard([this] { recoverWindowsForCurrentScreens(); }));
     });
 }
@@ -18,21 +19,22 @@ void OverlayManager::sync(const QList<ScreenMask>& masks, bool areMasksVisible,
                           bool isEditingEnabled, const std::optional<QUuid>& selectedMaskID,
                           FrameChanged onMaskFrameChanged, MaskSelected onMaskSelected) {
     if (m_isSyncing) return;
-    m_isSyncing = true;
     m_onMaskFrameChanged = std::move(onMaskFrameChanged);
     m_onMaskSelected = std::move(onMaskSelected);
+    const QList<ScreenMask> current = m_needsRecovery ? recovered(masks) : masks;
+    m_isSyncing = true;
 
     {
         const SurfaceBatch batch(m_surfaces);
-        const std::vector<Entry*> entries = entriesOf(masks);
+        const std::vector<Entry*> entries = entriesOf(current);
         const QList<Rect> frames = visibleFrames(m_screens);
         auto entry = entries.begin();
-        for (const ScreenMask& mask : masks)
+        for (const ScreenMask& mask : current)
             syncWindow(**entry++, mask, areMasksVisible && mask.isVisible, isEditingEnabled,
                        selectedMaskID == mask.id, frames);
     }
 
-    const auto visibleCount = std::count_if(masks.begin(), masks.end(),
+    const auto visibleCount = std::count_if(current.begin(), current.end(),
                                             [](const ScreenMask& mask) { return mask.isVisible; });
     activeOverlayCount.set(areMasksVisible ? static_cast<int>(visibleCount) : 0);
     m_isSyncing = false;
@@ -113,7 +115,7 @@ void OverlayManager::syncWindow(Entry& entry, const ScreenMask& mask, bool isSho
 void OverlayManager::recoverWindowsForCurrentScreens() {
     // Every report makes the model sync, with frames that for the windows not yet reported are
     // still those of the old screens. So all reports are made before any sync runs.
-    if (m_isSyncing) return;
+    if (m_isSyncing || !std::exchange(m_needsRecovery, false)) return;
     m_isSyncing = true;
     {
         const SurfaceBatch batch(m_surfaces);
@@ -128,6 +130,19 @@ void OverlayManager::recoverWindowsForCurrentScreens() {
         }
     }
     m_isSyncing = false;
+}
+
+QList<ScreenMask> OverlayManager::recovered(QList<ScreenMask> masks) {
+    std::vector<std::pair<ScreenMask*, const Entry*>> untouched;
+    for (ScreenMask& mask : masks) {
+        const auto entry = m_windows.find(mask.id);
+        if (entry != m_windows.end() && entry->second.modelFrame == mask.frame)
+            untouched.emplace_back(&mask, &entry->second);
+    }
+    recoverWindowsForCurrentScreens();
+    for (const auto& [mask, entry] : untouched)
+        mask->frame = entry->window->frame();
+    return masks;
 }
 
 void OverlayManager::reportFrame(const OverlayWindow& window) {

@@ -74,6 +74,9 @@ private:
     void syncWindow(Entry& entry, const ScreenMask& mask, bool isShown, bool isEditingEnabled,
                     bool isSelected, const QList<Rect>& frames);
     void recoverWindowsForCurrentScreens();
+    /// Does so, for masks whose frames are still those of the former screens. Returns them with
+    /// the frames of the new ones, those excepted that the model has just changed.
+    QList<ScreenMask> recovered(QList<ScreenMask> masks);
     void reportFrame(const OverlayWindow& window);
 
     Screens& m_screens;
@@ -81,6 +84,8 @@ private:
     FrameChanged m_onMaskFrameChanged;
     MaskSelected m_onMaskSelected;
     bool m_isSyncing = false;
+    // The screens have changed, and the model still has the frames of the former ones.
+    bool m_needsRecovery = false;
     std::uint64_t m_syncNumber = 0;
     std::unordered_map<QUuid, Entry, UuidHash> m_windows;
     Lifetime m_lifetime;

@@ -12,6 +12,10 @@ class MaskContent final : public SurfaceContent {
 public:
     explicit MaskContent(OverlayMaskView view) : m_view(std::move(view)) {}
     void paint(QPainter& painter, Size size) const override { m_view.paint(painter, size); }
+    bool looksLike(const SurfaceContent& other) const override {
+        const auto* const mask = dynamic_cast<const MaskContent*>(&other);
+        return mask && m_view.paintsLike(mask->m_view);
+    }
     double backdropBlur() const override { return m_view.backdropBlur(); }
     QPainterPath blurredShape(Size size, double scale) const override {
         return m_view.blurredShape(size, scale);

@@ -117,6 +117,21 @@ TEST_F(OverlayManagerTest, ReportsTheFramesThatItResolves) {
     EXPECT_EQ(reports, 0);
 }
 
+TEST_F(OverlayManagerTest, ASyncRightAfterAChangeOfScreensDisplacesNothing) {
+    masks = {maskAt({1100, 100, 200, 100}), maskAt({100, 100, 200, 100})};
+    sync();
+    // B becomes the first screen, and A lies to its right.
+    harness.desktop().screens.setScreens({{u"B"_s, {0, 0, 500, 600}, {0, 0, 500, 600}, 1},
+                                          {u"A"_s, {500, 0, 1000, 700}, {500, 0, 1000, 700}, 1}});
+    masks[1].frame.x = 700;
+    sync(false);
+    harness.settle();
+    EXPECT_EQ(masks[0].frame, (Rect{100, 100, 200, 100}));
+    EXPECT_EQ(surface(0).frame(), masks[0].frame);
+    EXPECT_EQ(masks[1].frame.x, 700) << "moved in the same turn";
+    EXPECT_EQ(surface(1).frame(), masks[1].frame);
+}
+
 TEST_F(OverlayManagerTest, ASyncWithNothingChangedChangesNothing) {
     for (int i = 0; i < 5; ++i)
         masks.append(maskAt({i * 100.0, 10, 100, 100}));

@@ -34,6 +34,7 @@ public:
     DesktopSpace(QList<NativeScreen> screens, QSize rootSize);
 
     const QList<ScreenInfo>& screens() const { return m_screens; }
+    const QList<NativeScreen>& nativeScreens() const { return m_native; }
 
     /// The point at a position in pixels, which belongs to the screen that holds it, else to the
     /// nearest one.

@@ -1,10 +1,23 @@
 #pragma once
 
 #include "Platform/SystemLog.h"
+#include "Platform/X11/SelectionOwner.h"
 #include "Platform/X11/XcbConnection.h"
 #include "Reactive/Subscription.h"
 
 #include <functional>
+#include <optional>
+
+/// How a window manager that composes the screen orders override-redirect windows.
+enum class PaintOrder {
+    /// As they are stacked on the server.
+    stacked,
+    /// As they were mapped, the last on top, whatever their stacking.
+    mapped,
+    /// As they are stacked, but one that is mapped lies on top of all until the server tells of a
+    /// change of the stacking. Raising what is on top already changes nothing.
+    stackedUntilMapped
+};
 
 /// Watches the window manager and the compositor of the display come and go.
 class ManagerWatch {
@@ -12,29 +25,23 @@ public:
     /// `connection` must outlive the watch; a missing extension is told in the log.
     ManagerWatch(XcbConnection& connection, SystemLog& log);
 
-    /// Called after the burst of events in which a window manager or compositor took over, or
-    /// `isCompositing` changed. Windows that were mapped before may be painted below others by a
-    /// new one, whatever their order.
-    std::function<void()> onReplaced;
+    /// Called after the burst of events in which the compositor came, went or was replaced. Windows
+    /// that were mapped before may be painted below others by a new one, whatever their order.
+    std::function<void()> onCompositorReplaced;
 
     /// Whether a compositor shows what lies below transparent pixels.
-    bool isCompositing() const { return m_isCompositing; }
-    /// Whether the window manager paints override-redirect windows in the order in which they were
-    /// mapped, whatever their stacking order.
-    bool isOrderedByMapping() const { return m_isOrderedByMapping; }
+    bool isCompositing() const { return m_compositor.owner().newest() != XCB_NONE; }
+    PaintOrder paintOrder();
 
 private:
-    void handleEvent(const xcb_generic_event_t& event);
-    void finishBurst();
-    void watchSelections(SystemLog& log);
-    void readManagerName();
-    bool readIsCompositing() const;
+    std::optional<PaintOrder> readPaintOrder() const;
+    QByteArray managerName() const;
+    bool hasGuardWindowOfMutter() const;
 
     XcbConnection& m_connection;
-    uint8_t m_selectionEvent = 0;
-    bool m_isCompositing = false;
-    bool m_isOrderedByMapping = false;
-    bool m_hasNewOwner = false;
-    bool m_hasChange = false;
+    SelectionOwner m_manager;
+    SelectionOwner m_compositor;
+    // Nothing while it has to be read.
+    std::optional<PaintOrder> m_paintOrder;
     SubscriptionBag m_subscriptions;
 };

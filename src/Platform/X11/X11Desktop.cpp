@@ -27,26 +27,24 @@ X11OverlaySurfaces::IsOwnWindow toolkitWindowTest() {
 
 }  // namespace
 
-std::unique_ptr<X11Desktop> X11Desktop::open(Scheduler& scheduler, SystemLog& log,
-                                             SurfaceAccessibility* accessibility, QString* error) {
+std::unique_ptr<X11Desktop> X11Desktop::open(const Surroundings& surroundings, QString* error) {
     auto connection = XcbConnection::open(error);
     if (!connection) return nullptr;
-    return std::unique_ptr<X11Desktop>(
-        new X11Desktop(std::move(connection), scheduler, log, accessibility));
+    return std::unique_ptr<X11Desktop>(new X11Desktop(std::move(connection), surroundings));
 }
 
-X11Desktop::X11Desktop(std::unique_ptr<XcbConnection> connection, Scheduler& scheduler,
-                       SystemLog& log, SurfaceAccessibility* accessibility)
+X11Desktop::X11Desktop(std::unique_ptr<XcbConnection> connection, const Surroundings& surroundings)
     : m_connection(std::move(connection)),
       m_screens(*m_connection, toolkitScaleFactor),
-      m_overlaySurfaces(
-          {*m_connection, m_screens, scheduler, log, accessibility, toolkitWindowTest()}),
-      m_hotKeyCenter(*m_connection, log),
+      m_overlaySurfaces({*m_connection, m_screens, surroundings.scheduler, surroundings.log,
+                         surroundings.accessibility, toolkitWindowTest(),
+                         surroundings.isSessionLocked}),
+      m_hotKeyCenter(*m_connection, surroundings.log),
       m_windowManagement(*m_connection),
       m_settings(*m_connection),
       m_pointerPresses(*m_connection),
       m_trayOwner(*m_connection, m_connection->atoms().traySelection),
-      m_scheduler(scheduler) {
+      m_scheduler(surroundings.scheduler) {
     followToolkitScreens();
 }
 

@@ -22,9 +22,18 @@
 /// on the same display must exist, for the scale factors and to tell its own windows.
 class X11Desktop final : public QObject {
 public:
-    /// Null when there is no display; `error` then says why. Everything passed must outlive it.
-    static std::unique_ptr<X11Desktop> open(Scheduler& scheduler, SystemLog& log,
-                                            SurfaceAccessibility* accessibility, QString* error);
+    /// Everything must outlive the desktop.
+    struct Surroundings {
+        Scheduler& scheduler;
+        SystemLog& log;
+        /// Null when nobody wants to hear of the surfaces.
+        SurfaceAccessibility* accessibility = nullptr;
+        /// Whether the desktop says that the screen is locked; null when nobody asks it.
+        const Published<bool>* isSessionLocked = nullptr;
+    };
+
+    /// Null when there is no display; `error` then says why.
+    static std::unique_ptr<X11Desktop> open(const Surroundings& surroundings, QString* error);
 
     XcbConnection& connection() { return *m_connection; }
     X11Screens& screens() { return m_screens; }
@@ -39,8 +48,7 @@ public:
     X11Workspace& workspace();
 
 private:
-    X11Desktop(std::unique_ptr<XcbConnection> connection, Scheduler& scheduler, SystemLog& log,
-               SurfaceAccessibility* accessibility);
+    X11Desktop(std::unique_ptr<XcbConnection> connection, const Surroundings& surroundings);
     void followToolkitScreens();
 
     std::unique_ptr<XcbConnection> m_connection;

@@ -23,6 +23,12 @@ QString connectionErrorText(int error, const QString& display) {
     return QStringLiteral("cannot open X display \"%1\"").arg(display);
 }
 
+// Any program can send any event to any window; the server marks it.
+bool isForged(const xcb_generic_event_t& event) {
+    constexpr uint8_t sentByProgram = 0x80;
+    return (event.response_type & sentByProgram) != 0;
+}
+
 bool isOfPointer(const xcb_generic_event_t& event) {
     const int type = event.response_type & 0x7f;
     // They are numbered one after the other.
@@ -75,11 +81,12 @@ XcbConnection::~XcbConnection() {
 
 void XcbConnection::internAtoms(int screenNumber) {
     const QByteArray number = QByteArray::number(screenNumber);
-    const std::array<std::pair<QByteArray, xcb_atom_t*>, 25> names{{
+    const std::array<std::pair<QByteArray, xcb_atom_t*>, 26> names{{
         {"_VEYLA_MASK_ID", &m_atoms.veylaMaskID},
         {"UTF8_STRING", &m_atoms.utf8String},
         {"_NET_WM_NAME", &m_atoms.netWmName},
         {"_NET_WM_PID", &m_atoms.netWmPid},
+        {"_NET_WM_WINDOW_OPACITY", &m_atoms.netWmWindowOpacity},
         {"WM_STATE", &m_atoms.wmState},
         {"_NET_WM_STATE", &m_atoms.netWmState},
         {"_NET_WM_STATE_SKIP_TASKBAR", &m_atoms.netWmStateSkipTaskbar},
@@ -179,7 +186,7 @@ void XcbConnection::dispatchBurst(xcb_generic_event_t* first) {
         if (told && told != &field) told->set(nullptr);
         told = &field;
         const bool isError = event->response_type == 0;
-        if (!isError) field.set(event.get());
+        if (!isError && !isForged(*event)) field.set(event.get());
         event.reset(xcb_poll_for_queued_event(m_connection));
     }
     told->set(nullptr);
@@ -223,6 +230,14 @@ xcb_atom_t XcbConnection::atom(const QByteArray& name) const {
                  xcb_intern_atom(m_connection, onlyIfExists, static_cast<uint16_t>(name.size()),
                                  name.constData()));
     return reply ? reply->atom : xcb_atom_t{XCB_NONE};
+}
+
+std::vector<xcb_window_t> XcbConnection::children(xcb_window_t window) const {
+    const auto tree =
+        xcbReply(xcb_query_tree_reply, m_connection, xcb_query_tree(m_connection, window));
+    if (!tree) return {};
+    const xcb_window_t* const first = xcb_query_tree_children(tree.get());
+    return {first, first + xcb_query_tree_children_length(tree.get())};
 }
 
 bool XcbConnection::hasExtension(xcb_extension_t& extension) const {

@@ -21,6 +21,7 @@ struct X11Atoms {
     xcb_atom_t utf8String = XCB_NONE;
     xcb_atom_t netWmName = XCB_NONE;
     xcb_atom_t netWmPid = XCB_NONE;
+    xcb_atom_t netWmWindowOpacity = XCB_NONE;
     xcb_atom_t wmState = XCB_NONE;
     xcb_atom_t netWmState = XCB_NONE;
     xcb_atom_t netWmStateSkipTaskbar = XCB_NONE;
@@ -75,7 +76,8 @@ public:
     /// is not missed: the server serves nobody else until it has carried them out.
     void makeUnheard(const std::function<void()>& requests);
 
-    /// Calls back with every event but those of the pointer, in order. Errors are not events.
+    /// Calls back with every event but those of the pointer, in order. Errors are not events,
+    /// and neither is what another program has sent to look like one.
     Subscription onEvent(EventHandler handler);
     /// Calls back with every event of the pointer: its buttons, its motion, and its coming and
     /// going. They are many and wanted by few.
@@ -101,6 +103,8 @@ public:
     QByteArray property8(xcb_window_t window, xcb_atom_t property) const;
     /// The atom of a name that is only rarely needed; XCB_NONE when nobody has made it yet.
     xcb_atom_t atom(const QByteArray& name) const;
+    /// The children of a window, bottom to top; none when there is no such window.
+    std::vector<xcb_window_t> children(xcb_window_t window) const;
     /// Whether the server has an extension, by its protocol name.
     bool hasExtension(xcb_extension_t& extension) const;
 

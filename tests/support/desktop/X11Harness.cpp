@@ -13,7 +13,7 @@ X11Harness::X11Harness() {
     // A pointer that is where a test moves it to would not move.
     m_input.movePointer({0, 0});
     QString error;
-    m_desktop = X11Desktop::open(m_mainLoop, m_log, nullptr, &error);
+    m_desktop = X11Desktop::open({m_mainLoop, m_log}, &error);
     if (!m_desktop) throw std::runtime_error(error.toStdString());
 }
 

@@ -36,20 +36,14 @@ bool isAlive(const XcbConnection& connection, xcb_window_t window) {
 void killLeftoverWindows(XcbConnection& connection, SystemLog& log) {
     const auto* const setup = xcb_get_setup(connection);
     const uint32_t clientBits = ~setup->resource_id_mask;
-    const auto tree = xcbReply(xcb_query_tree_reply, connection.get(),
-                               xcb_query_tree(connection, connection.root()));
-    if (!tree) return;
-    const xcb_window_t* const children = xcb_query_tree_children(tree.get());
-    const auto count = static_cast<std::size_t>(xcb_query_tree_children_length(tree.get()));
-
+    const std::vector<xcb_window_t> children = connection.children(connection.root());
     std::vector<xcb_get_property_cookie_t> cookies;
-    for (std::size_t i = 0; i < count; ++i)
-        cookies.push_back(xcb_get_property(connection, 0, children[i],
-                                           connection.atoms().veylaMaskID,
+    for (const xcb_window_t child : children)
+        cookies.push_back(xcb_get_property(connection, 0, child, connection.atoms().veylaMaskID,
                                            XCB_GET_PROPERTY_TYPE_ANY, 0, 0));
     // One window stands for everything that its connection left behind.
     std::set<uint32_t> seenClients;
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < children.size(); ++i) {
         const auto property = xcbReply(xcb_get_property_reply, connection.get(), cookies[i]);
         const bool isMask = property && property->type != XCB_NONE;
         const uint32_t client = children[i] & clientBits;

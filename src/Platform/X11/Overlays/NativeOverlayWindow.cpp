@@ -38,6 +38,11 @@ uint16_t toUint16(int value) {
     return static_cast<uint16_t>(std::clamp(value, 1, 65535));
 }
 
+// Sequence numbers wrap around; what counts is their distance.
+bool isNotBefore(const xcb_generic_event_t& event, uint32_t sequence) {
+    return static_cast<int32_t>(event.full_sequence - sequence) >= 0;
+}
+
 }  // namespace
 
 OverlayVisual::OverlayVisual(XcbConnection& connection, Alpha alpha)
@@ -68,7 +73,11 @@ OverlayVisual::~OverlayVisual() {
 NativeOverlayWindow::NativeOverlayWindow(XcbConnection& connection, const OverlayVisual& visual,
                                          const QRect& rect, const QString& title,
                                          const std::optional<QUuid>& maskID)
-    : m_connection(connection), m_visual(visual), m_id(xcb_generate_id(connection)), m_rect(rect) {
+    : m_connection(connection),
+      m_visual(visual),
+      m_id(xcb_generate_id(connection)),
+      m_rect(rect),
+      m_presentedSize(rect.size()) {
     // What happens to the window itself is told through the root, as for every other one.
     const uint32_t eventMask = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
                                XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_LEAVE_WINDOW;
@@ -80,11 +89,16 @@ NativeOverlayWindow::NativeOverlayWindow(XcbConnection& connection, const Overla
                           XCB_CW_EVENT_MASK | XCB_CW_COLORMAP,
                       values.data());
     setProperties(title, maskID);
+    // Only from here on: what others change.
+    const uint32_t fullEventMask = eventMask | XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_change_window_attributes(connection, m_id, XCB_CW_EVENT_MASK, &fullEventMask);
+    xcb_shape_select_input(connection, m_id, 1);
 }
 
 NativeOverlayWindow::~NativeOverlayWindow() {
-    if (m_id != XCB_NONE) xcb_destroy_window(m_connection, m_id);
-    if (m_picture != XCB_NONE) xcb_free_pixmap(m_connection, m_picture);
+    xcb_destroy_window(m_connection, m_id);
+    for (const xcb_pixmap_t picture : {m_picture, m_formerPicture.value_or(XCB_NONE)})
+        if (picture != XCB_NONE) xcb_free_pixmap(m_connection, picture);
 }
 
 void NativeOverlayWindow::setProperties(const QString& title, const std::optional<QUuid>& maskID) {
@@ -97,7 +111,7 @@ void NativeOverlayWindow::setProperties(const QString& title, const std::optiona
     setText(XCB_ATOM_WM_NAME, XCB_ATOM_STRING, title.toLatin1());
     setText(atoms.netWmName, atoms.utf8String, title.toUtf8());
     setText(XCB_ATOM_WM_CLIENT_MACHINE, XCB_ATOM_STRING, QSysInfo::machineHostName().toUtf8());
-    if (maskID) setText(atoms.veylaMaskID, atoms.utf8String, uuidText(*maskID).toUtf8());
+    setMaskID(maskID);
 
     const auto pid = static_cast<uint32_t>(QCoreApplication::applicationPid());
     xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, m_id, atoms.netWmPid,
@@ -107,17 +121,17 @@ void NativeOverlayWindow::setProperties(const QString& title, const std::optiona
                         XCB_ATOM_ATOM, 32, 1, &atoms.netWmWindowTypeDock);
 }
 
+void NativeOverlayWindow::setMaskID(const std::optional<QUuid>& maskID) {
+    if (!maskID) return;
+    const QByteArray text = uuidText(*maskID).toUtf8();
+    const X11Atoms& atoms = m_connection.atoms();
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, m_id, atoms.veylaMaskID,
+                        atoms.utf8String, 8, static_cast<uint32_t>(text.size()), text.constData());
+}
+
 void NativeOverlayWindow::setRect(const QRect& rect) {
-    if (rect == m_rect) return;
-    const std::array<uint32_t, 4> values{static_cast<uint32_t>(toInt16(rect.x())),
-                                         static_cast<uint32_t>(toInt16(rect.y())),
-                                         toUint16(rect.width()), toUint16(rect.height())};
+    m_isPlaced &= rect == m_rect;
     m_rect = rect;
-    m_lastSequence = xcb_configure_window(m_connection, m_id,
-                                          XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
-                                              XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
-                                          values.data())
-                         .sequence;
 }
 
 void NativeOverlayWindow::setPicture(QSize size, const QList<Part>& parts) {
@@ -126,11 +140,31 @@ void NativeOverlayWindow::setPicture(QSize size, const QList<Part>& parts) {
                       toUint16(size.height()));
     for (const Part& part : parts)
         putImage(pixmap, part);
-    xcb_change_window_attributes(m_connection, m_id, XCB_CW_BACK_PIXMAP, &pixmap);
     const xcb_pixmap_t previous = std::exchange(m_picture, pixmap);
-    if (previous != XCB_NONE) xcb_free_pixmap(m_connection, previous);
-    // A resize repaints the window by itself.
-    if (size == m_rect.size()) xcb_clear_area(m_connection, 0, m_id, 0, 0, 0, 0);
+    if (!m_formerPicture)
+        m_formerPicture = previous;
+    else
+        xcb_free_pixmap(m_connection, previous);
+}
+
+void NativeOverlayWindow::present() {
+    if (m_formerPicture) {
+        xcb_change_window_attributes(m_connection, m_id, XCB_CW_BACK_PIXMAP, &m_picture);
+        if (*m_formerPicture != XCB_NONE) xcb_free_pixmap(m_connection, *m_formerPicture);
+        m_formerPicture.reset();
+        // A resize repaints the window by itself.
+        if (m_rect.size() == m_presentedSize) xcb_clear_area(m_connection, 0, m_id, 0, 0, 0, 0);
+    }
+    if (std::exchange(m_isPlaced, true)) return;
+    m_presentedSize = m_rect.size();
+    const std::array<uint32_t, 4> values{static_cast<uint32_t>(toInt16(m_rect.x())),
+                                         static_cast<uint32_t>(toInt16(m_rect.y())),
+                                         toUint16(m_rect.width()), toUint16(m_rect.height())};
+    m_placeSequence = xcb_configure_window(m_connection, m_id,
+                                           XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
+                                               XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                                           values.data())
+                          .sequence;
 }
 
 void NativeOverlayWindow::putImage(xcb_pixmap_t pixmap, const Part& part) {
@@ -151,6 +185,7 @@ void NativeOverlayWindow::putImage(xcb_pixmap_t pixmap, const Part& part) {
 }
 
 void NativeOverlayWindow::setBoundingAreas(const std::optional<QList<QRect>>& areas) {
+    m_boundingAreas = areas;
     if (!areas) {
         xcb_shape_mask(m_connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, m_id, 0, 0, XCB_NONE);
         return;
@@ -166,11 +201,21 @@ void NativeOverlayWindow::setBoundingAreas(const std::optional<QList<QRect>>& ar
 }
 
 void NativeOverlayWindow::setInputPassThrough(bool isPassThrough) {
-    if (isPassThrough)
+    if (std::exchange(m_isPassThrough, isPassThrough) != isPassThrough) applyInputShape();
+}
+
+void NativeOverlayWindow::applyInputShape() {
+    if (m_isPassThrough)
         xcb_shape_rectangles(m_connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
                              XCB_CLIP_ORDERING_UNSORTED, m_id, 0, 0, 0, nullptr);
     else
         xcb_shape_mask(m_connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, m_id, 0, 0, XCB_NONE);
+}
+
+void NativeOverlayWindow::restoreShapes() {
+    // A copy, because setting them replaces what is kept.
+    setBoundingAreas(std::optional(m_boundingAreas));
+    applyInputShape();
 }
 
 void NativeOverlayWindow::setCursor(xcb_cursor_t cursor) {
@@ -179,21 +224,29 @@ void NativeOverlayWindow::setCursor(xcb_cursor_t cursor) {
 
 void NativeOverlayWindow::map() {
     if (std::exchange(m_isMapped, true)) return;
-    m_lastSequence = xcb_map_window(m_connection, m_id).sequence;
+    m_mapSequence = xcb_map_window(m_connection, m_id).sequence;
 }
 
 void NativeOverlayWindow::unmap() {
     if (!std::exchange(m_isMapped, false)) return;
-    m_lastSequence = xcb_unmap_window(m_connection, m_id).sequence;
+    m_mapSequence = xcb_unmap_window(m_connection, m_id).sequence;
 }
 
 void NativeOverlayWindow::raise() {
     const uint32_t above = XCB_STACK_MODE_ABOVE;
-    m_lastSequence =
-        xcb_configure_window(m_connection, m_id, XCB_CONFIG_WINDOW_STACK_MODE, &above).sequence;
+    xcb_configure_window(m_connection, m_id, XCB_CONFIG_WINDOW_STACK_MODE, &above);
 }
 
-bool NativeOverlayWindow::isUpToDate(const xcb_generic_event_t& event) const {
-    // Sequence numbers wrap around; what counts is their distance.
-    return static_cast<int32_t>(event.full_sequence - m_lastSequence) >= 0;
+void NativeOverlayWindow::stackBelow(xcb_window_t sibling) {
+    const std::array<uint32_t, 2> values{sibling, XCB_STACK_MODE_BELOW};
+    xcb_configure_window(m_connection, m_id,
+                         XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE, values.data());
+}
+
+bool NativeOverlayWindow::knowsMapping(const xcb_generic_event_t& event) const {
+    return isNotBefore(event, m_mapSequence);
+}
+
+bool NativeOverlayWindow::knowsPlace(const xcb_generic_event_t& event) const {
+    return isNotBefore(event, m_placeSequence);
 }

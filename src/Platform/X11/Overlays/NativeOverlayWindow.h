@@ -52,19 +52,27 @@ public:
     NativeOverlayWindow& operator=(const NativeOverlayWindow&) = delete;
 
     xcb_window_t id() const { return m_id; }
+    const OverlayVisual& visual() const { return m_visual; }
+    /// Where the window is, or will be with the next `present`.
     const QRect& rect() const { return m_rect; }
     bool isMapped() const { return m_isMapped; }
-    /// The picture that the window shows; XCB_NONE before the first.
+    /// The newest picture that the window was given; XCB_NONE before the first.
     xcb_pixmap_t picture() const { return m_picture; }
 
+    /// Both take effect with the next `present`.
     void setRect(const QRect& rect);
     /// Gives the window a new picture of the given size, painted part by part: each image lies at
-    /// the position beside it. A window of another size must be resized right after.
+    /// the position beside it. A window of another size must be given that size as well.
     struct Part {
         QPoint position;
         QImage image;
     };
     void setPicture(QSize size, const QList<Part>& parts);
+    /// Shows the picture and the place that were set. What takes time has been done before.
+    void present();
+
+    /// Makes the window stand for another mask.
+    void setMaskID(const std::optional<QUuid>& maskID);
     /// Takes the window away outside these rectangles; no list restores it whole.
     void setBoundingAreas(const std::optional<QList<QRect>>& areas);
     /// Lets the mouse through to what lies below.
@@ -72,25 +80,43 @@ public:
     void setCursor(xcb_cursor_t cursor);
     void map();
     void unmap();
+    /// Puts the window on top of all others.
     void raise();
+    /// Puts the window right below another child of the root.
+    void stackBelow(xcb_window_t sibling);
 
-    /// Whether the server had carried out our last request for this window when it made the event.
-    /// If so, a state in it that is not ours was made by another program.
-    bool isUpToDate(const xcb_generic_event_t& event) const;
-    /// Takes note of what another program did to the window.
-    void noteForeignRect(const QRect& rect) { m_rect = rect; }
+    // What other programs do to the window.
+    /// Whether the server had carried out our last request to map or unmap the window when it made
+    /// the event. If so, a state in it that is not ours was made by another program.
+    bool knowsMapping(const xcb_generic_event_t& event) const;
+    /// The same for the window's place.
+    bool knowsPlace(const xcb_generic_event_t& event) const;
     void noteForeignUnmap() { m_isMapped = false; }
-    void noteForeignDestruction() { m_id = XCB_NONE; }
+    /// Puts the window back to its place.
+    void restoreRect() { m_isPlaced = false; }
+    /// Gives the window its own shapes again.
+    void restoreShapes();
+    bool hasBoundingAreas() const { return m_boundingAreas.has_value(); }
+    bool isInputPassThrough() const { return m_isPassThrough; }
 
 private:
     void setProperties(const QString& title, const std::optional<QUuid>& maskID);
     void putImage(xcb_pixmap_t pixmap, const Part& part);
+    void applyInputShape();
 
     XcbConnection& m_connection;
     const OverlayVisual& m_visual;
     xcb_window_t m_id;
     QRect m_rect;
+    // The size that the server knows.
+    QSize m_presentedSize;
+    bool m_isPlaced = true;
     bool m_isMapped = false;
+    bool m_isPassThrough = false;
+    std::optional<QList<QRect>> m_boundingAreas;
     xcb_pixmap_t m_picture = XCB_NONE;
-    uint32_t m_lastSequence = 0;
+    // What is on screen while there is a newer picture.
+    std::optional<xcb_pixmap_t> m_formerPicture;
+    uint32_t m_mapSequence = 0;
+    uint32_t m_placeSequence = 0;
 };

@@ -1,51 +1,58 @@
 #include "Platform/X11/Overlays/StackingGuard.h"
 
-#include <QRect>
 #include <algorithm>
-#include <unordered_set>
+#include <iterator>
 #include <utility>
 
 namespace {
 
-// More raises than this in a second mean that another program insists on lying above.
-constexpr std::size_t mostRaisesPerSecond = 40;
-constexpr std::chrono::seconds contestWindow{1};
-// How long to wait before the next raise in a contest.
-constexpr std::chrono::milliseconds contestDelay{50};
+constexpr uint8_t alphaDepth = 32;
 
 /// What was asked about a window, to be taken later, so that many requests travel together.
 struct WindowRequest {
-    WindowRequest(xcb_connection_t* connection, xcb_window_t asked)
+    WindowRequest(XcbConnection& connection, xcb_window_t asked)
         : window(asked),
           attributes(xcb_get_window_attributes(connection, asked)),
-          geometry(xcb_get_geometry(connection, asked)) {}
+          geometry(xcb_get_geometry(connection, asked)),
+          maskID(connection.requestProperty(asked, connection.atoms().veylaMaskID)) {}
 
     xcb_window_t window;
     xcb_get_window_attributes_cookie_t attributes;
     xcb_get_geometry_cookie_t geometry;
+    xcb_get_property_cookie_t maskID;
 };
 
 struct WindowState {
-    WindowState(xcb_connection_t* connection, const WindowRequest& request) {
+    WindowState(XcbConnection& connection, const WindowRequest& request) {
         const auto attributes =
-            xcbReply(xcb_get_window_attributes_reply, connection, request.attributes);
-        const auto geometry = xcbReply(xcb_get_geometry_reply, connection, request.geometry);
+            xcbReply(xcb_get_window_attributes_reply, connection.get(), request.attributes);
+        const auto geometry = xcbReply(xcb_get_geometry_reply, connection.get(), request.geometry);
+        isMask = !connection.takeProperty8(request.maskID).isEmpty();
         if (!attributes || !geometry) return;
         const int border = 2 * geometry->border_width;
-        rect = {geometry->x, geometry->y, geometry->width + border, geometry->height + border};
+        neighbour.window = request.window;
+        neighbour.rect = {geometry->x, geometry->y, geometry->width + border,
+                          geometry->height + border};
+        neighbour.isOpaque = geometry->depth != alphaDepth;
+        neighbour.isOverrideRedirect = attributes->override_redirect != 0;
         isVisible = attributes->map_state == XCB_MAP_STATE_VIEWABLE &&
                     attributes->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT;
     }
 
-    QRect rect;
+    StackingGuard::Neighbour neighbour;
     bool isVisible = false;
+    bool isMask = false;
 };
 
 }  // namespace
 
 StackingGuard::StackingGuard(XcbConnection& connection, Scheduler& scheduler, SystemLog& log,
-                             Client& client)
-    : m_connection(connection), m_scheduler(scheduler), m_log(log), m_client(client) {
+                             ManagerWatch& managers, Client& client)
+    : m_connection(connection),
+      m_scheduler(scheduler),
+      m_log(log),
+      m_managers(managers),
+      m_client(client) {
     m_connection.selectRootEvents(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
     m_subscriptions.keep(
         m_connection.onEvent([this](const xcb_generic_event_t& event) { handleEvent(event); }));
@@ -55,19 +62,29 @@ StackingGuard::StackingGuard(XcbConnection& connection, Scheduler& scheduler, Sy
 }
 
 void StackingGuard::handleEvent(const xcb_generic_event_t& event) {
-    const uint8_t type = event.response_type & 0x7f;
     const xcb_window_t root = m_connection.root();
-    switch (type) {
-        case XCB_MAP_NOTIFY:
-            m_needsAudit |= reinterpret_cast<const xcb_map_notify_event_t&>(event).event == root;
+    switch (event.response_type) {
+        case XCB_MAP_NOTIFY: {
+            const auto& map = reinterpret_cast<const xcb_map_notify_event_t&>(event);
+            if (map.event != root) return;
+            m_needsAudit = true;
+            if (map.override_redirect != 0 && !m_connection.owns(map.window))
+                m_newlyMapped.insert(map.window);
             break;
+        }
         case XCB_CONFIGURE_NOTIFY:
             m_needsAudit |=
                 canChangeOrder(reinterpret_cast<const xcb_configure_notify_event_t&>(event));
             break;
-        case XCB_DESTROY_NOTIFY:
-            m_siblings.erase(reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window);
+        case XCB_UNMAP_NOTIFY:
+            forgetUnmapped(reinterpret_cast<const xcb_unmap_notify_event_t&>(event).window);
             break;
+        case XCB_DESTROY_NOTIFY: {
+            const auto window = reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window;
+            m_siblings.erase(window);
+            forgetUnmapped(window);
+            break;
+        }
         case XCB_CIRCULATE_NOTIFY:
         case XCB_REPARENT_NOTIFY:
             m_siblings.clear();
@@ -76,6 +93,14 @@ void StackingGuard::handleEvent(const xcb_generic_event_t& event) {
         default:
             break;
     }
+}
+
+void StackingGuard::forgetUnmapped(xcb_window_t window) {
+    m_newlyMapped.erase(window);
+    if (m_ceiling != window) return;
+    m_ceiling.reset();
+    // What lay above it did not matter while it was there.
+    m_needsAudit = true;
 }
 
 bool StackingGuard::canChangeOrder(const xcb_configure_notify_event_t& event) {
@@ -94,92 +119,88 @@ bool StackingGuard::canChangeOrder(const xcb_configure_notify_event_t& event) {
 }
 
 void StackingGuard::audit() {
-    const auto shown = m_client.shownWindows();
-    if (shown.empty() || m_delayedAudit.isActive() || !isCovered(shown)) return;
-    if (!isContested()) {
-        raise();
-        return;
-    }
-    m_delayedAudit = m_scheduler.after(contestDelay, [this] {
+    if (m_delayedAudit.isActive() || m_client.shownWindows().empty()) return;
+    const auto intruders = findIntruders();
+    if (intruders.empty()) return;
+    if (m_contests.mayAnswer(intruders)) return raiseAgainst(intruders);
+    if (m_contests.takeBeginning()) logContest(intruders.front());
+    m_delayedAudit = m_scheduler.after(Contests::delay, [this] {
         m_delayedAudit.reset();
-        const auto stillShown = m_client.shownWindows();
-        if (!stillShown.empty() && isCovered(stillShown)) raise();
+        if (m_client.shownWindows().empty()) return;
+        const auto stillThere = findIntruders();
+        if (!stillThere.empty()) raiseAgainst(stillThere);
         m_connection.flush();
     });
 }
 
-void StackingGuard::raise() {
-    m_recentRaises.push_back(Clock::now());
-    m_client.raiseShownWindows();
+void StackingGuard::raiseAgainst(const std::vector<xcb_window_t>& intruders) {
+    m_contests.noteAnswer(intruders);
+    m_newlyMapped.clear();
+    m_client.raiseShownWindows(m_ceiling);
 }
 
-bool StackingGuard::isContested() {
-    const auto windowStart = Clock::now() - contestWindow;
-    while (!m_recentRaises.empty() && m_recentRaises.front() < windowStart)
-        m_recentRaises.pop_front();
-    // Once slowed down, a contest goes on at the slower rate until it is quiet for a while.
-    const std::size_t limit = m_hasLoggedContest ? 2 : mostRaisesPerSecond;
-    if (m_recentRaises.size() < limit) {
-        if (m_recentRaises.empty()) m_hasLoggedContest = false;
-        return false;
-    }
-    if (!std::exchange(m_hasLoggedContest, true)) {
-        const QByteArray name =
-            m_connection.property8(m_lastIntruder, m_connection.atoms().netWmName);
-        m_log.write(QStringLiteral("Veyla: another program keeps raising its window 0x%1 \"%2\" "
-                                   "above the masks; raising them less often from now on")
-                        .arg(m_lastIntruder, 0, 16)
-                        .arg(QString::fromUtf8(name)));
-    }
-    return true;
+void StackingGuard::logContest(xcb_window_t intruder) {
+    const QByteArray name = m_connection.property8(intruder, m_connection.atoms().netWmName);
+    m_log.write(QStringLiteral("Veyla: another program keeps raising its window 0x%1 \"%2\" "
+                               "above the masks; raising them less often from now on")
+                    .arg(intruder, 0, 16)
+                    .arg(QString::fromUtf8(name)));
 }
 
-std::vector<xcb_window_t> StackingGuard::topLevelWindows() const {
-    const auto tree = xcbReply(xcb_query_tree_reply, m_connection.get(),
-                               xcb_query_tree(m_connection, m_connection.root()));
-    if (!tree) return {};
-    const xcb_window_t* const children = xcb_query_tree_children(tree.get());
-    return {children, children + xcb_query_tree_children_length(tree.get())};
+// The masks, what lies above the lowest of them, and what may be painted above them all the same.
+std::vector<xcb_window_t> StackingGuard::windowsToLookAt(const std::vector<xcb_window_t>& windows,
+                                                         const std::vector<xcb_window_t>& masks) {
+    const auto lowest =
+        masks.empty() ? windows.end() : std::find(windows.begin(), windows.end(), masks.front());
+    std::vector<xcb_window_t> found;
+    if (m_managers.paintOrder() == PaintOrder::stacked)
+        m_newlyMapped.clear();
+    else
+        std::copy_if(windows.begin(), lowest, std::back_inserter(found), [this](xcb_window_t each) {
+            return m_newlyMapped.contains(each) && !m_client.isOwnWindow(each);
+        });
+    // Otherwise nothing lies between the masks, and nothing above them.
+    m_isSomethingAbove = windows.end() - lowest != static_cast<std::ptrdiff_t>(masks.size());
+    if (m_isSomethingAbove || !found.empty())
+        std::copy_if(lowest, windows.end(), std::back_inserter(found),
+                     [this](xcb_window_t each) { return !m_client.isOwnWindow(each); });
+    return found;
 }
 
-bool StackingGuard::isCovered(const std::vector<xcb_window_t>& shown) const {
-    const auto windows = topLevelWindows();
-    const std::unordered_set<xcb_window_t> masks(shown.begin(), shown.end());
-    const auto isMask = [&](xcb_window_t window) { return masks.contains(window); };
-
-    const auto lowest = std::find_if(windows.begin(), windows.end(), isMask);
-    std::vector<xcb_window_t> order;
-    std::copy_if(lowest, windows.end(), std::back_inserter(order), isMask);
-    if (order != shown) return true;
-
-    const bool isNothingBetween =
-        windows.end() - lowest == static_cast<std::ptrdiff_t>(shown.size());
-    m_isSomethingAbove = !isNothingBetween;
-    if (isNothingBetween) return false;
+std::vector<xcb_window_t> StackingGuard::findIntruders() {
+    m_ceiling.reset();
+    const auto shown = m_client.shownWindows();
+    const std::unordered_set<xcb_window_t> isShown(shown.begin(), shown.end());
+    const auto windows = m_connection.children(m_connection.root());
+    std::vector<xcb_window_t> masks;
+    std::copy_if(windows.begin(), windows.end(), std::back_inserter(masks),
+                 [&](xcb_window_t window) { return isShown.contains(window); });
+    std::vector<xcb_window_t> intruders;
+    if (masks != shown) intruders.push_back(XCB_NONE);
 
     std::vector<WindowRequest> requests;
-    for (auto i = lowest; i != windows.end(); ++i)
-        if (isMask(*i) || !m_client.isOwnWindow(*i)) requests.emplace_back(m_connection, *i);
+    for (const xcb_window_t window : windowsToLookAt(windows, masks))
+        requests.emplace_back(m_connection, window);
     std::vector<QRect> maskRects;
-    std::vector<std::pair<xcb_window_t, QRect>> intruders;
+    std::vector<Neighbour> neighbours;
     for (const WindowRequest& request : requests) {
         const WindowState state(m_connection, request);
-        if (isMask(request.window))
-            maskRects.push_back(state.rect);
-        else if (state.isVisible)
-            intruders.emplace_back(request.window, state.rect);
+        if (isShown.contains(request.window)) maskRects.push_back(state.neighbour.rect);
+        // A mask of another Veyla hides as well as ours, and its owner would insist as well.
+        else if (state.isVisible && !state.isMask)
+            neighbours.push_back(state.neighbour);
     }
-    const auto covering =
-        std::find_if(intruders.begin(), intruders.end(), [&](const auto& intruder) {
-            const bool isOverMask =
-                std::any_of(maskRects.begin(), maskRects.end(),
-                            [&](const QRect& mask) { return mask.intersects(intruder.second); });
-            // A mask hides as well as ours, and its owner would insist as well.
-            return isOverMask &&
-                   m_connection.property8(intruder.first, m_connection.atoms().veylaMaskID)
-                       .isEmpty();
-        });
-    if (covering == intruders.end()) return false;
-    m_lastIntruder = covering->first;
-    return true;
+    for (const Neighbour& neighbour : neighbours) {
+        const bool isOverMask =
+            std::any_of(maskRects.begin(), maskRects.end(),
+                        [&](const QRect& mask) { return mask.intersects(neighbour.rect); });
+        if (!isOverMask) continue;
+        if (m_client.isScreenLocker(neighbour)) {
+            // What lies above it covers a screen that shows nothing of the masks.
+            m_ceiling = neighbour.window;
+            break;
+        }
+        intruders.push_back(neighbour.window);
+    }
+    return intruders;
 }

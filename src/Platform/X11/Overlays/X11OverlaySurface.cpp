@@ -112,8 +112,8 @@ void X11OverlaySurface::orderOut() {
     m_owner.noteOrder();
 }
 
-void X11OverlaySurface::apply(const DesktopSpace& space) {
-    if (!std::exchange(m_needsApplying, false)) return;
+void X11OverlaySurface::prepare(const DesktopSpace& space) {
+    if (!m_needsApplying) return;
     const double scaleFactor = space.scaleFactorAt(wantedFrame());
     const QRect rect = space.toNative(wantedFrame());
     const bool isRescaled = std::exchange(m_scaleFactor, scaleFactor) != scaleFactor;
@@ -123,16 +123,32 @@ void X11OverlaySurface::apply(const DesktopSpace& space) {
     const bool isPaintedNow = m_needsPainting && m_isShown && m_content;
     const bool isMoved = rect != m_window->rect();
     if (isMoved || isPaintedNow) m_owner.noteBackdropChange(m_window->rect());
-    // The new picture first: with the new size the server shows it by itself.
     if (isPaintedNow) paint(rect);
     m_window->setRect(rect);
     if (isMoved) m_owner.noteBackdropChange(rect);
-    if (std::exchange(m_hasAppliedPassThrough, m_ignoresMouseEvents) != m_ignoresMouseEvents)
-        m_window->setInputPassThrough(m_ignoresMouseEvents);
+}
+
+void X11OverlaySurface::present() {
+    if (!std::exchange(m_needsApplying, false)) return;
+    m_window->present();
+    m_window->setInputPassThrough(m_ignoresMouseEvents);
     if (m_appliedCursor != m_cursor && m_isShown) {
         m_window->setCursor(m_owner.cursor(m_cursor));
         m_appliedCursor = m_cursor;
     }
+}
+
+void X11OverlaySurface::reuse(RetiredWindows& retired, const DesktopSpace& space) {
+    if (!m_isShown || !m_content || m_window->isMapped()) return;
+    auto window = retired.take(space.toNative(wantedFrame()), *m_content, m_window->visual());
+    if (!window) return;
+    m_window = std::move(window);
+    m_window->setMaskID(m_description.maskID);
+    m_needsPainting = false;
+}
+
+void X11OverlaySurface::giveUpWindow(RetiredWindows& retired) {
+    retired.add(std::move(m_window), std::move(m_content));
 }
 
 bool X11OverlaySurface::isPlacedAnew() {
@@ -159,8 +175,7 @@ void X11OverlaySurface::paint(const QRect& rect) {
                                               m_owner.backdropOf(*this, rect))});
     }
     m_window->setPicture(size, parts);
-    if (std::exchange(m_hasBoundingAreas, bounds.has_value()) || bounds)
-        m_window->setBoundingAreas(bounds);
+    if (m_window->hasBoundingAreas() || bounds) m_window->setBoundingAreas(bounds);
     m_needsPainting = false;
 }
 
@@ -195,21 +210,10 @@ void X11OverlaySurface::followScreens(const QList<ScreenInfo>& oldScreens,
                               .value_or(space.toGlobal(m_window->rect()));
 }
 
-void X11OverlaySurface::adoptForeignRect(const QRect& rect, const DesktopSpace& space) {
-    m_window->noteForeignRect(rect);
-    m_needsPainting = true;
-    takeFrameAhead();
-    const Rect previous = std::exchange(m_description.frame, space.toGlobal(rect));
-    noteChange();
-    if (previous != m_description.frame) tellDelegate(previous);
-}
-
 std::unique_ptr<NativeOverlayWindow> X11OverlaySurface::replaceWindow(
     std::unique_ptr<NativeOverlayWindow> window) {
     m_needsApplying = true;
     m_needsPainting = true;
-    m_hasAppliedPassThrough = false;
-    m_hasBoundingAreas = false;
     m_appliedCursor.reset();
     return std::exchange(m_window, std::move(window));
 }

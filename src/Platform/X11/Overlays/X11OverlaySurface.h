@@ -3,6 +3,7 @@
 #include "Platform/OverlaySurfaces.h"
 #include "Platform/X11/DesktopSpace.h"
 #include "Platform/X11/Overlays/NativeOverlayWindow.h"
+#include "Platform/X11/Overlays/RetiredWindows.h"
 
 #include <cstdint>
 #include <memory>
@@ -42,18 +43,27 @@ public:
     /// Whether it shows what lies below blurred, which no compositor does by itself.
     bool isFrosted() const { return m_content && m_content->backdropBlur() > 0; }
 
-    /// Sends to the server what differs from the wanted state, mapping and stacking excepted.
-    void apply(const DesktopSpace& space);
+    /// Paints what differs from the wanted state. The rest is sent with the next call of `present`,
+    /// mapping and stacking excepted.
+    void prepare(const DesktopSpace& space);
+    void present();
+    /// Whether `prepare`, `present`, or unmapping has something to do.
+    bool needsPresenting() const { return m_needsApplying || (!m_isShown && m_window->isMapped()); }
+    /// When it is to be shown for the first time, and a window in its place already shows the same:
+    /// takes that for its own.
+    void reuse(RetiredWindows& retired, const DesktopSpace& space);
+    /// Leaves its window, and what that shows.
+    void giveUpWindow(RetiredWindows& retired);
     /// Whether the surface is elsewhere, or shown otherwise, than at the last call.
     bool isPlacedAnew();
     /// Paints what is shown again, on what lies below it now.
     void repaint() {
-        if (m_isShown && m_content) paint(m_window->rect());
+        if (!m_isShown || !m_content) return;
+        paint(m_window->rect());
+        m_window->present();
     }
     /// Takes over where the window is after the screens changed; the delegate is not told.
     void followScreens(const QList<ScreenInfo>& oldScreens, const DesktopSpace& space);
-    /// Takes over where another program put the window, and tells the delegate.
-    void adoptForeignRect(const QRect& rect, const DesktopSpace& space);
     /// Puts a new window in the place of the old one, which is returned still as it was.
     std::unique_ptr<NativeOverlayWindow> replaceWindow(std::unique_ptr<NativeOverlayWindow> window);
 
@@ -83,8 +93,6 @@ private:
     CursorShape m_cursor = CursorShape::arrow;
     std::optional<CursorShape> m_appliedCursor;
     bool m_ignoresMouseEvents = false;
-    bool m_hasAppliedPassThrough = false;
-    bool m_hasBoundingAreas = false;
     bool m_isShown = false;
     QRect m_toldRect;
     bool m_hasToldShown = false;

@@ -1,8 +1,10 @@
 #include "Platform/X11/Overlays/X11OverlaySurfaces.h"
 
 #include "Platform/X11/Overlays/LeftoverWindows.h"
+#include "Platform/X11/ServerGrab.h"
 
 #include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 X11OverlaySurfaces::X11OverlaySurfaces(const Services& services)
@@ -12,11 +14,15 @@ X11OverlaySurfaces::X11OverlaySurfaces(const Services& services)
       m_plainVisual(services.connection, OverlayVisual::Alpha::useless),
       m_cursors(services.connection),
       m_input(*this),
+      m_retired(services.scheduler),
       m_knownScreens(services.screens.screens()),
       m_managers(services.connection, services.log),
-      m_guard(services.connection, services.scheduler, services.log, *this),
+      m_probe(services.connection),
+      m_lockers(services.screens, m_probe, services.isSessionLocked),
+      m_tamperGuard(services.connection, services.scheduler, services.log, *this),
+      m_guard(services.connection, services.scheduler, services.log, m_managers, *this),
       m_backdrops(services.connection) {
-    m_managers.onReplaced = [this] { remakeWindows(); };
+    m_managers.onCompositorReplaced = [this] { remakeWindows(); };
     m_backdrops.onChanged = [this](const QRect& rect) { noteBackdropChange(rect); };
     m_backdrops.pictureOf = [this](xcb_window_t window) -> xcb_pixmap_t {
         const X11OverlaySurface* const surface = surfaceOf(window);
@@ -24,10 +30,13 @@ X11OverlaySurfaces::X11OverlaySurfaces(const Services& services)
     };
     m_subscriptions.keep(m_connection.onPointerEvent(
         [this](const xcb_generic_event_t& event) { m_input.handleEvent(event); }));
-    m_subscriptions.keep(
-        m_connection.onEvent([this](const xcb_generic_event_t& event) { handleEvent(event); }));
     m_subscriptions.keep(m_connection.onBurstEnd([this] { m_input.flushMotion(); }));
     m_subscriptions.keep(m_services.screens.onScreensChanged([this] { followScreens(); }));
+    if (services.isSessionLocked)
+        m_subscriptions.keep(services.isSessionLocked->subscribe([this](bool) {
+            // What was let above the masks may have no right to it any more.
+            m_guard.audit();
+        }));
 }
 
 X11OverlaySurfaces::~X11OverlaySurfaces() = default;
@@ -37,6 +46,7 @@ std::unique_ptr<OverlaySurface> X11OverlaySurfaces::createSurface(
     auto surface =
         std::make_unique<X11OverlaySurface>(*this, description, delegate, makeWindow(description));
     m_surfaces.push_back(surface.get());
+    m_surfaceOfWindow.clear();
     return surface;
 }
 
@@ -54,17 +64,21 @@ void X11OverlaySurfaces::endBatch() {
 }
 
 void X11OverlaySurfaces::releaseLeftovers() {
-    killLeftoverWindows(m_connection, m_services.log);
-    m_connection.flush();
+    const auto release = [this] {
+        killLeftoverWindows(m_connection, m_services.log);
+        m_connection.flush();
+    };
+    if (!isCompositing()) return release();
+    m_leftoverRelease = after(RetiredWindows::longestAppearance, release);
 }
 
 void X11OverlaySurfaces::forget(X11OverlaySurface& surface) {
     m_input.forget(surface);
     noteBackdropChange(surface.window().rect());
+    surface.giveUpWindow(m_retired);
     std::erase(m_surfaces, &surface);
-    std::erase(m_stack, surface.window().id());
+    m_surfaceOfWindow.clear();
     if (m_services.accessibility) m_services.accessibility->forget(surface);
-    // The window itself goes at the end of the surface's destructor.
     noteOrder();
 }
 
@@ -89,10 +103,11 @@ void X11OverlaySurfaces::endGestureOf(X11OverlaySurface& surface) {
 }
 
 void X11OverlaySurfaces::moveNow(NativeOverlayWindow& window, const QRect& rect) {
+    window.setRect(rect);
     if (m_guard.needsToHearOfMoves())
-        window.setRect(rect);
+        window.present();
     else
-        m_connection.makeUnheard([&] { window.setRect(rect); });
+        m_connection.makeUnheard([&] { window.present(); });
     m_connection.flush();
 }
 
@@ -108,18 +123,96 @@ void X11OverlaySurfaces::commit() {
     const bool isChanged = std::exchange(m_needsApply, false);
     if (isChanged) {
         const DesktopSpace& space = m_services.screens.space();
-        for (X11OverlaySurface* surface : m_surfaces)
-            surface->apply(space);
+        for (X11OverlaySurface* surface : m_surfaces) {
+            // What is composed with what lies below is not the same below others.
+            if (m_retired.hasNew() && !usesBackdrop(*surface)) surface->reuse(m_retired, space);
+            surface->prepare(space);
+        }
+        m_surfaceOfWindow.clear();
+        showChanges();
+        updateBackdrops();
     }
-    if (std::exchange(m_needsOrder, false)) {
-        applyOrder();
-        updateCloseDownMode();
-    }
-    if (isChanged) updateBackdrops();
     m_layers.reset();
     // What can be seen comes first.
     m_connection.flush();
     if (isChanged) tellPlaces();
+}
+
+// Pictures are painted by now. What is to be seen is there before anything that hid it goes.
+void X11OverlaySurfaces::showChanges() {
+    const auto shown = shownInOrder();
+    std::vector<xcb_window_t> stackOfShown;
+    stackOfShown.reserve(shown.size());
+    for (const X11OverlaySurface* surface : shown)
+        stackOfShown.push_back(surface->window().id());
+    const bool isOrderNew = std::exchange(m_needsOrder, false) && stackOfShown != m_stack;
+    std::size_t first = shown.size();
+    if (isOrderNew) {
+        // What went only leaves the others where they are.
+        const std::unordered_set<xcb_window_t> wanted(stackOfShown.begin(), stackOfShown.end());
+        std::erase_if(m_stack, [&](xcb_window_t window) { return !wanted.contains(window); });
+        first = static_cast<std::size_t>(
+            std::mismatch(stackOfShown.begin(), stackOfShown.end(), m_stack.begin(), m_stack.end())
+                .first -
+            stackOfShown.begin());
+    }
+    const bool isAnythingToShow =
+        isOrderNew || m_retired.hasNew() ||
+        std::any_of(m_surfaces.begin(), m_surfaces.end(),
+                    [](const X11OverlaySurface* surface) { return surface->needsPresenting(); });
+    if (!isAnythingToShow) return;
+
+    const ServerGrab grab(m_connection);
+    for (X11OverlaySurface* surface : m_surfaces)
+        surface->present();
+    stack(shown, first, m_guard.ceiling());
+    const QList<QRect> mapped = map(shown, first);
+    for (std::size_t i = first; i < shown.size(); ++i)
+        noteBackdropChange(shown[i]->window().rect());
+    if (unmapHidden()) m_retired.clear();
+    m_retired.settle(mapped, isCompositing());
+    if (!isOrderNew) return;
+    m_stack = std::move(stackOfShown);
+    updateCloseDownMode();
+}
+
+// From the top down: no mask comes to lie above one that is to hide it.
+void X11OverlaySurfaces::stack(const std::vector<X11OverlaySurface*>& shown, std::size_t first,
+                               std::optional<xcb_window_t> ceiling) {
+    for (std::size_t i = shown.size(); i-- > first;) {
+        NativeOverlayWindow& window = shown[i]->window();
+        ceiling ? window.stackBelow(*ceiling) : window.raise();
+        ceiling = window.id();
+    }
+}
+
+// From the bottom up, because some managers paint in the order of mapping. Returns where something
+// new has come.
+QList<QRect> X11OverlaySurfaces::map(const std::vector<X11OverlaySurface*>& shown,
+                                     std::size_t first) {
+    QList<QRect> mapped;
+    const PaintOrder paintOrder = m_managers.paintOrder();
+    for (std::size_t i = first; i < shown.size(); ++i) {
+        NativeOverlayWindow& window = shown[i]->window();
+        if (!window.isMapped())
+            mapped.append(window.rect());
+        else if (paintOrder == PaintOrder::mapped && !mapped.isEmpty())
+            window.unmap();
+        window.map();
+    }
+    if (!mapped.isEmpty() && paintOrder == PaintOrder::stackedUntilMapped) m_probe.stirStacking();
+    return mapped;
+}
+
+bool X11OverlaySurfaces::unmapHidden() {
+    bool isAnyHidden = false;
+    for (X11OverlaySurface* surface : m_surfaces) {
+        if (surface->isShown() || !surface->window().isMapped()) continue;
+        surface->window().unmap();
+        noteBackdropChange(surface->window().rect());
+        isAnyHidden = true;
+    }
+    return isAnyHidden;
 }
 
 void X11OverlaySurfaces::tellPlaces() {
@@ -142,75 +235,11 @@ std::vector<X11OverlaySurface*> X11OverlaySurfaces::shownInOrder() const {
     return shown;
 }
 
-void X11OverlaySurfaces::applyOrder() {
-    const auto shown = shownInOrder();
-    std::vector<xcb_window_t> stack;
-    stack.reserve(shown.size());
-    for (const X11OverlaySurface* surface : shown)
-        stack.push_back(surface->window().id());
-
-    // What went only leaves the others where they are.
-    if (stack != m_stack)
-        std::erase_if(m_stack, [&](xcb_window_t window) {
-            return std::find(stack.begin(), stack.end(), window) == stack.end();
-        });
-    const auto firstDifference =
-        std::mismatch(stack.begin(), stack.end(), m_stack.begin(), m_stack.end()).first;
-    for (auto i = firstDifference - stack.begin(); i < static_cast<std::ptrdiff_t>(shown.size());
-         ++i) {
-        NativeOverlayWindow& window = shown[static_cast<std::size_t>(i)]->window();
-        window.raise();
-        window.map();
-        noteBackdropChange(window.rect());
-    }
-    for (X11OverlaySurface* surface : m_surfaces) {
-        if (surface->isShown() || !surface->window().isMapped()) continue;
-        surface->window().unmap();
-        noteBackdropChange(surface->window().rect());
-    }
-    m_stack = std::move(stack);
-}
-
 void X11OverlaySurfaces::updateCloseDownMode() {
     const bool shouldBeRetained = !m_stack.empty();
     if (std::exchange(m_isRetained, shouldBeRetained) == shouldBeRetained) return;
     xcb_set_close_down_mode(m_connection, shouldBeRetained ? XCB_CLOSE_DOWN_RETAIN_PERMANENT
                                                            : XCB_CLOSE_DOWN_DESTROY_ALL);
-}
-
-void X11OverlaySurfaces::handleEvent(const xcb_generic_event_t& event) {
-    const uint8_t type = event.response_type & 0x7f;
-    if (type == XCB_CONFIGURE_NOTIFY) {
-        handleForeignConfigure(event);
-    } else if (type == XCB_UNMAP_NOTIFY) {
-        const auto& unmap = reinterpret_cast<const xcb_unmap_notify_event_t&>(event);
-        auto* const surface = surfaceOf(unmap.window);
-        if (!surface || !surface->window().isMapped() || !surface->window().isUpToDate(event))
-            return;
-        // Hiding a mask is not for other programs. The server has ended its hold on the pointer.
-        m_input.endGestureOf(*surface);
-        surface->window().noteForeignUnmap();
-        std::erase(m_stack, unmap.window);
-        noteOrder();
-    } else if (type == XCB_DESTROY_NOTIFY) {
-        const auto& destroy = reinterpret_cast<const xcb_destroy_notify_event_t&>(event);
-        if (auto* const surface = surfaceOf(destroy.window)) {
-            m_input.endGestureOf(*surface);
-            surface->replaceWindow(makeWindow(surface->description()))->noteForeignDestruction();
-            noteOrder();
-        }
-    }
-}
-
-void X11OverlaySurfaces::handleForeignConfigure(const xcb_generic_event_t& event) {
-    const auto& configure = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
-    if (configure.event != m_connection.root()) return;
-    auto* const surface = surfaceOf(configure.window);
-    const QRect rect(configure.x, configure.y, configure.width, configure.height);
-    if (!surface || surface->window().rect() == rect || !surface->window().isUpToDate(event))
-        return;
-    const SurfaceBatch batch(*this);
-    surface->adoptForeignRect(rect, m_services.screens.space());
 }
 
 void X11OverlaySurfaces::followScreens() {
@@ -227,20 +256,18 @@ void X11OverlaySurfaces::remakeWindows() {
     updateBackdrops();
     // First, because it takes the guides, which are surfaces too, away.
     m_input.endGesture();
-    std::vector<std::unique_ptr<NativeOverlayWindow>> oldWindows;
     for (X11OverlaySurface* surface : m_surfaces)
-        oldWindows.push_back(surface->replaceWindow(makeWindow(surface->description())));
-    m_needsApply = true;
-    m_needsOrder = true;
-    // The new windows are mapped before the old ones go, so that nothing shows in between.
-    commit();
+        m_retired.add(surface->replaceWindow(makeWindow(surface->description())), nullptr);
+    m_surfaceOfWindow.clear();
+    noteOrder();
 }
 
 X11OverlaySurface* X11OverlaySurfaces::surfaceOf(xcb_window_t window) const {
-    const auto found = std::find_if(
-        m_surfaces.begin(), m_surfaces.end(),
-        [&](const X11OverlaySurface* surface) { return surface->window().id() == window; });
-    return found == m_surfaces.end() ? nullptr : *found;
+    if (m_surfaceOfWindow.empty())
+        for (X11OverlaySurface* surface : m_surfaces)
+            m_surfaceOfWindow.emplace(surface->window().id(), surface);
+    const auto found = m_surfaceOfWindow.find(window);
+    return found == m_surfaceOfWindow.end() ? nullptr : found->second;
 }
 
 std::vector<xcb_window_t> X11OverlaySurfaces::shownWindows() const {
@@ -251,13 +278,50 @@ bool X11OverlaySurfaces::isOwnWindow(xcb_window_t window) const {
     return m_services.isOwnWindow(window);
 }
 
-void X11OverlaySurfaces::raiseShownWindows() {
-    for (X11OverlaySurface* surface : shownInOrder()) {
-        NativeOverlayWindow& window = surface->window();
-        // Mapped anew in the same step, nothing shows in between.
-        if (m_managers.isOrderedByMapping()) window.unmap();
-        window.raise();
-        window.map();
+bool X11OverlaySurfaces::isScreenLocker(const StackingGuard::Neighbour& neighbour) const {
+    return m_lockers.isLocker(neighbour, isCompositing());
+}
+
+void X11OverlaySurfaces::raiseShownWindows(std::optional<xcb_window_t> ceiling) {
+    const auto shown = shownInOrder();
+    const PaintOrder paintOrder = m_managers.paintOrder();
+    {
+        const ServerGrab grab(m_connection);
+        stack(shown, 0, ceiling);
+        if (paintOrder == PaintOrder::mapped) mapAnew(shown);
+        if (paintOrder == PaintOrder::stackedUntilMapped) m_probe.stirStacking();
     }
     m_connection.flush();
+}
+
+// In one step, so that nothing shows in between.
+void X11OverlaySurfaces::mapAnew(const std::vector<X11OverlaySurface*>& shown) {
+    for (X11OverlaySurface* surface : shown) {
+        NativeOverlayWindow& window = surface->window();
+        window.unmap();
+        window.map();
+    }
+}
+
+NativeOverlayWindow* X11OverlaySurfaces::guardedWindow(xcb_window_t window) {
+    X11OverlaySurface* const surface = surfaceOf(window);
+    return surface ? &surface->window() : nullptr;
+}
+
+void X11OverlaySurfaces::windowWasHidden(xcb_window_t window) {
+    // The server has ended its hold on the pointer.
+    m_input.endGestureOf(*surfaceOf(window));
+    std::erase(m_stack, window);
+}
+
+void X11OverlaySurfaces::replaceLostWindow(xcb_window_t window) {
+    X11OverlaySurface& surface = *surfaceOf(window);
+    surface.replaceWindow(makeWindow(surface.description()));
+    m_surfaceOfWindow.clear();
+}
+
+void X11OverlaySurfaces::showMendedWindows() {
+    for (X11OverlaySurface* surface : m_surfaces)
+        surface->window().present();
+    noteOrder();
 }

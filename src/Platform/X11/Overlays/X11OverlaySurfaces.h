@@ -7,7 +7,10 @@
 #include "Platform/X11/Overlays/CursorTheme.h"
 #include "Platform/X11/Overlays/NativeOverlayWindow.h"
 #include "Platform/X11/Overlays/OverlayInput.h"
+#include "Platform/X11/Overlays/RetiredWindows.h"
+#include "Platform/X11/Overlays/ScreenLockers.h"
 #include "Platform/X11/Overlays/StackingGuard.h"
+#include "Platform/X11/Overlays/TamperGuard.h"
 #include "Platform/X11/Overlays/X11OverlaySurface.h"
 #include "Platform/X11/X11Screens.h"
 #include "Platform/X11/XcbConnection.h"
@@ -17,6 +20,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 /// The overlay windows of this program on the X server: makes them, keeps them in their order and
@@ -27,7 +31,9 @@
 /// the surfaces are composed here on top of what lies below, again whenever that changes, but at
 /// most once a frame. A surface that has no such picture yet is shown on black. So it is, with or
 /// without a compositor, with surfaces that show what lies below blurred.
-class X11OverlaySurfaces final : public OverlaySurfaces, private StackingGuard::Client {
+class X11OverlaySurfaces final : public OverlaySurfaces,
+                                 private StackingGuard::Client,
+                                 private TamperGuard::Client {
 public:
     /// Tells whether a top-level window is another window of this program, such as a menu, which
     /// may lie above the masks.
@@ -41,6 +47,8 @@ public:
         /// Null when nobody wants to hear of the surfaces.
         SurfaceAccessibility* accessibility = nullptr;
         IsOwnWindow isOwnWindow;
+        /// Whether the desktop says that the screen is locked; null when nobody asks it.
+        const Published<bool>* isSessionLocked = nullptr;
     };
 
     /// All services must outlive the surfaces.
@@ -89,11 +97,15 @@ private:
 
     void commitUnlessBatched();
     void commit();
+    void showChanges();
     void tellPlaces();
-    void applyOrder();
+    /// Puts the shown surfaces from that index on above all others, or right below `ceiling`.
+    void stack(const std::vector<X11OverlaySurface*>& shown, std::size_t first,
+               std::optional<xcb_window_t> ceiling);
+    QList<QRect> map(const std::vector<X11OverlaySurface*>& shown, std::size_t first);
+    void mapAnew(const std::vector<X11OverlaySurface*>& shown);
+    bool unmapHidden();
     void updateCloseDownMode();
-    void handleEvent(const xcb_generic_event_t& event);
-    void handleForeignConfigure(const xcb_generic_event_t& event);
     void followScreens();
     void remakeWindows();
     bool usesBackdrop(const X11OverlaySurface& surface) const;
@@ -106,7 +118,14 @@ private:
     // StackingGuard::Client
     std::vector<xcb_window_t> shownWindows() const override;
     bool isOwnWindow(xcb_window_t window) const override;
-    void raiseShownWindows() override;
+    bool isScreenLocker(const StackingGuard::Neighbour& neighbour) const override;
+    void raiseShownWindows(std::optional<xcb_window_t> ceiling) override;
+
+    // TamperGuard::Client
+    NativeOverlayWindow* guardedWindow(xcb_window_t window) override;
+    void windowWasHidden(xcb_window_t window) override;
+    void replaceLostWindow(xcb_window_t window) override;
+    void showMendedWindows() override;
 
     Services m_services;
     XcbConnection& m_connection;
@@ -115,6 +134,9 @@ private:
     CursorTheme m_cursors;
     OverlayInput m_input;
     std::vector<X11OverlaySurface*> m_surfaces;
+    // Empty while it has to be made again.
+    mutable std::unordered_map<xcb_window_t, X11OverlaySurface*> m_surfaceOfWindow;
+    RetiredWindows m_retired;
     // The shown windows as last stacked, bottom to top.
     std::vector<xcb_window_t> m_stack;
     QList<ScreenInfo> m_knownScreens;
@@ -124,6 +146,10 @@ private:
     bool m_isRetained = false;
     std::uint64_t m_lastRaise = 0;
     ManagerWatch m_managers;
+    UnmappedWindow m_probe;
+    ScreenLockers m_lockers;
+    // What hides a mask is mended before anything looks at the order.
+    TamperGuard m_tamperGuard;
     StackingGuard m_guard;
     BackdropSource m_backdrops;
     // What lay where when this commit or refresh began.
@@ -131,5 +157,6 @@ private:
     std::vector<QRect> m_changedBackdrop;
     std::chrono::steady_clock::time_point m_lastRefresh;
     Subscription m_pendingRefresh;
+    Subscription m_leftoverRelease;
     SubscriptionBag m_subscriptions;
 };
