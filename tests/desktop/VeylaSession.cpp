@@ -40,8 +40,7 @@ void VeylaSession::start() {
 
 void VeylaSession::restart() {
     process.reset();
-    process =
-        std::make_unique<ChildProcess>(QStringLiteral(VEYLA_PROGRAM), startArguments, environment);
+    process = std::make_unique<ChildProcess>(programPath, startArguments, environment);
     requireSoon("the masks are on screen", [&] {
         if (process->isRunning()) return isEveryMaskShownOnce();
         throw std::runtime_error("veyla ended: " + process->standardError().toStdString());

@@ -61,6 +61,7 @@ public:
     /// For the program; changes count from the next start on.
     QProcessEnvironment environment;
     WorkspaceSnapshot workspace;
+    QString programPath = QStringLiteral(VEYLA_PROGRAM);
     /// What the program is started with. The dashboard stays away from tests of masks.
     QStringList startArguments{QStringLiteral("--background")};
     XProbe probe;

@@ -1,13 +1,18 @@
+#include "desktop/MaskOperator.h"
 #include "support/desktop/DesktopSession.h"
 
 #include <QApplication>
 #include <cstdio>
 #include <exception>
 #include <gtest/gtest.h>
+#include <string_view>
 
 /// Runs the tests on a desktop of their own: X server, window manager, session bus, accessibility
-/// bus and home are started here and end here. A test that needs another server makes one.
+/// bus and home are started here and end here. A test that needs another server makes one. With
+/// `--operate-masks` this is a program for those tests instead.
 int main(int argc, char** argv) {
+    if (argc > 1 && std::string_view(argv[1]) == "--operate-masks")
+        return runMaskOperator(argc, argv);
     testing::InitGoogleTest(&argc, argv);
     try {
         const DesktopSession session({.hasAccessibilityBus = true});

@@ -11,6 +11,7 @@ DesktopSession::DesktopSession(const Options& options) : m_environment(m_home.en
         m_accessibilityBus = std::make_unique<AccessibilityBus>(m_environment);
     }
     changeWindowManager(options.windowManager);
+    if (options.hasCompositor) startCompositor();
 }
 
 void DesktopSession::adoptEnvironment() const {

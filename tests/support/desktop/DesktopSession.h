@@ -17,6 +17,7 @@ public:
         XServer::Options server{};
         /// Empty for a display without a window manager.
         QStringList windowManager{QStringLiteral("openbox")};
+        bool hasCompositor = false;
         bool hasAccessibilityBus = false;
     };
 

@@ -4,7 +4,9 @@
 
 #include <QSysInfo>
 #include <algorithm>
+#include <array>
 #include <unistd.h>
+#include <xcb/shape.h>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -105,6 +107,27 @@ void NeighbourClient::destroy(xcb_window_t window) {
     roundTrip();
 }
 
+void NeighbourClient::takeAway(xcb_window_t window) {
+    const xcb_window_t hidden = create({});
+    xcb_reparent_window(connection(), window, hidden, 0, 0);
+    roundTrip();
+}
+
+void NeighbourClient::shapeAway(xcb_window_t window) {
+    xcb_shape_rectangles(connection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
+                         XCB_CLIP_ORDERING_UNSORTED, window, 0, 0, 0, nullptr);
+    roundTrip();
+}
+
+void NeighbourClient::forge(std::uint8_t type, xcb_window_t window) {
+    // What they have in common: who is told, then the window. Of the rest zeros are made: a window
+    // at the corner without extent, or one that was taken into no window.
+    std::array<std::uint32_t, 8> event{type, root(), window};
+    xcb_send_event(connection(), 0, root(), XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(event.data()));
+    roundTrip();
+}
+
 void NeighbourClient::setColor(xcb_window_t window, const QColor& color) {
     const std::uint32_t pixel = pixelOf(color);
     xcb_change_window_attributes(connection(), window, XCB_CW_BACK_PIXEL, &pixel);
@@ -119,6 +142,18 @@ void NeighbourClient::requestState(xcb_window_t window, const QString& state) {
 void NeighbourClient::requestActivation(xcb_window_t window) {
     // From a pager (2), whose requests no focus stealing prevention refuses.
     sendToManager(window, u"_NET_ACTIVE_WINDOW"_s, {2, 0, 0, 0, 0});
+}
+
+void NeighbourClient::requestWorkspace(int index) {
+    sendToManager(root(), u"_NET_NUMBER_OF_DESKTOPS"_s, {2, 0, 0, 0, 0});
+    sendToManager(root(), u"_NET_CURRENT_DESKTOP"_s, {number(index), 0, 0, 0, 0});
+}
+
+bool NeighbourClient::grabKeyboard() {
+    const auto grab =
+        reply(xcb_grab_keyboard_reply, xcb_grab_keyboard(connection(), 0, root(), XCB_CURRENT_TIME,
+                                                         XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
+    return grab && grab->status == XCB_GRAB_STATUS_SUCCESS;
 }
 
 bool NeighbourClient::grabKey(std::uint8_t keycode, std::uint16_t modifiers) {

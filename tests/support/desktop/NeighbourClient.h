@@ -48,6 +48,12 @@ public:
     void map(xcb_window_t window);
     void unmap(xcb_window_t window);
     void destroy(xcb_window_t window);
+    /// Into a window of its own that is never shown.
+    void takeAway(xcb_window_t window);
+    /// Leaves nothing of the window to be seen.
+    void shapeAway(xcb_window_t window);
+    /// Sends everybody who watches the root such an event, which the server marks as sent.
+    void forge(std::uint8_t type, xcb_window_t window);
     void setColor(xcb_window_t window, const QColor& color);
 
     /// Asks the window manager for a state such as "_NET_WM_STATE_FULLSCREEN".
@@ -55,6 +61,11 @@ public:
     /// Asks the window manager to make the window the active one.
     void requestActivation(xcb_window_t window);
 
+    /// Asks the window manager to show a workspace, of two.
+    void requestWorkspace(int index);
+
+    /// Takes the whole keyboard; false when another client has it.
+    [[nodiscard]] bool grabKeyboard();
     /// Takes a key from everyone else; false when another client has it.
     [[nodiscard]] bool grabKey(std::uint8_t keycode, std::uint16_t modifiers);
     void ungrabKey(std::uint8_t keycode, std::uint16_t modifiers);

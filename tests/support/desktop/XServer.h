@@ -2,10 +2,13 @@
 
 #include "support/desktop/ChildProcess.h"
 
-/// An Xvfb of its own, with a screen of 1280 by 800, on a display number that the server chooses.
+#include <QSize>
+
+/// An Xvfb of its own, on a display number that the server chooses.
 class XServer {
 public:
     struct Options {
+        QSize screenSize{1280, 800};
         QStringList extraArguments{};
     };
 
