@@ -44,7 +44,7 @@ int runMaskOperator(int argc, char** argv) {
     QtMainLoop mainLoop;
     RemoteControlService remoteControl(log);
     QString error;
-    const auto desktop = X11Desktop::open(mainLoop, log, nullptr, &error);
+    const auto desktop = X11Desktop::open({mainLoop, log}, &error);
     if (!desktop) {
         std::fprintf(stderr, "no display: %s\n", error.toLocal8Bit().constData());
         return 1;
