@@ -10,6 +10,8 @@
 struct ManagedDesktop {
     std::string name;
     QStringList manager{};
+    /// Whether the manager composites, or a compositor beside it.
+    bool isCompositing = false;
     bool hasCompositor = false;
 
     friend void PrintTo(const ManagedDesktop& each, std::ostream* out) { *out << each.name; }
@@ -63,12 +65,16 @@ protected:
     void awaitAnswers();
     /// Lets the running program perform a command, without starting a process for it.
     int command(const QStringList& arguments);
+    void perform(const QString& text) { EXPECT_EQ(command(text.split(u' ')), 0); }
+    // Longer than the slowest compositor takes to show a new window.
+    static constexpr LeakMeter::Duration quietTime{150};
+
     void apply(const QString& preset) {
         EXPECT_EQ(command({QStringLiteral("apply-preset"), preset}), 0);
     }
 
     /// Hides the masks, which the meter must see, and shows them again.
-    void proveMeter();
+    testing::AssertionResult provesMeter();
     /// Whether every point is black within the bounded wait, and remains so for as long as any
     /// compositor takes to show what was asked.
     testing::AssertionResult settles();
@@ -77,7 +83,6 @@ protected:
     xcb_window_t topMask() const;
     /// Something green over the points.
     NeighbourClient::WindowOptions newcomer(bool isOverrideRedirect = true) const;
-    bool isManaged() const { return !GetParam().manager.isEmpty(); }
 
     std::unique_ptr<LeakMeter> m_meter;
     /// How many lines the program may write.
@@ -85,5 +90,6 @@ protected:
 
 private:
     QSize m_screenSize;
+    bool m_isBroken = false;
     std::optional<QDBusConnection> m_bus;
 };

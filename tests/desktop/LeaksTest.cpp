@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <csignal>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -25,10 +26,13 @@ protected:
         addPreset(u"whole"_s, {around({2.0 * center().x(), 2.0 * center().y()})});
     }
 
+    static LeakScenario own(const char* name, std::function<void(int)> act,
+                            const QString& preset = u"one"_s) {
+        return {name, Kind::ownOperation, std::move(act), preset};
+    }
     /// Goes from the preset "one" to another and back.
     LeakScenario between(const char* name, const QString& other) {
-        return {name, Kind::ownOperation,
-                [this, other](int round) { apply(round % 2 == 0 ? other : u"one"_s); }};
+        return own(name, [this, other](int round) { apply(round % 2 == 0 ? other : u"one"_s); });
     }
 };
 
@@ -57,11 +61,10 @@ protected:
         startMeasuring();
     }
 
-    void operate(const QString& text) { EXPECT_EQ(command(text.split(u' ')), 0); }
     /// Performs operations by turns.
     void measureTurns(const char* name, const QStringList& operations) {
         measure({name, Kind::ownOperation,
-                 [&](int round) { operate(operations[round % operations.size()]); }, QString()});
+                 [&](int round) { perform(operations[round % operations.size()]); }, QString()});
     }
 };
 
@@ -91,38 +94,221 @@ TEST_P(Leaks, WhileMasksAreHandled) {
             input.drag(from + by, from, 40);
         };
     };
-    // At this point of the preset "other", native pixels.
     const QRect other(center() - QPoint(40 + 350, 30 + 250), QSize(700, 500));
     for (const LeakScenario& scenario : {
-             LeakScenario{"dragged", Kind::ownOperation,
-                          dragBy(other.center() - QPoint(90, 60), {61, 37}), u"other"_s},
-             LeakScenario{"resized", Kind::ownOperation,
-                          dragBy(other.bottomRight() - QPoint(5, 5), {-60, -40}), u"other"_s},
-             LeakScenario{"clicked", Kind::ownOperation,
-                          [this](int) { input.click(center() + QPoint(3, 90)); }, u"three"_s},
-             LeakScenario{"locked and unlocked", Kind::ownOperation,
-                          [this](int) { EXPECT_EQ(command({u"toggle-editing"_s}), 0); }},
-             LeakScenario{"another created", Kind::ownOperation,
-                          [this](int) {
-                              input.movePointer({60, 60});
-                              EXPECT_EQ(command({u"create-mask"_s}), 0);
+             own("dragged", dragBy(other.center() - QPoint(90, 60), {61, 37}), u"other"_s),
+             own("resized", dragBy(other.bottomRight() - QPoint(5, 5), {-60, -40}), u"other"_s),
+             own(
+                 "clicked", [&](int) { input.click(center() + QPoint(3, 90)); }, u"three"_s),
+             own("locked and unlocked", [&](int) { perform(u"toggle-editing"_s); }),
+             own("another created",
+                 [&](int) {
+                     input.movePointer({60, 60});
+                     perform(u"create-mask"_s);
+                 }),
+             LeakScenario{"hidden and shown at once", Kind::unpreventable,
+                          [&](int) {
+                              apply(u"one"_s);
+                              perform(u"hide-masks"_s);
+                              perform(u"show-masks"_s);
                           }},
          })
         measure(scenario);
 }
 
-TEST_P(LeaksOfOperations, NothingOfTheSecretShows) {
+TEST_P(Leaks, WhileScreensAndTheProgramComeAndGo) {
+    startMeasuring();
+    const MonitorLayout::Monitor screen{u"A"_s, QRect(QPoint(0, 0), 2 * center())};
+    const MonitorLayout::Monitor beside{u"B"_s, {1180, 0, 100, 800}};
+    const auto shrunk = [&](int width, int height) {
+        return MonitorLayout::Monitor{u"A"_s, {0, 0, width, height}};
+    };
+    for (const LeakScenario& scenario : {
+             own("screen comes and goes",
+                 [&](int round) {
+                     monitors.set(round % 2 == 0
+                                      ? QList<MonitorLayout::Monitor>{shrunk(1180, 800), beside}
+                                      : QList<MonitorLayout::Monitor>{screen});
+                 }),
+             own(
+                 "screen shrinks and grows",
+                 [&](int round) { monitors.set({round % 2 == 0 ? shrunk(1000, 640) : screen}); },
+                 u"whole"_s),
+             own(
+                 "screen rotates",
+                 [&](int round) { monitors.set({round % 2 == 0 ? shrunk(800, 800) : screen}); },
+                 u"whole"_s),
+             own("killed and started",
+                 [&](int) {
+                     process->sendSignal(SIGKILL);
+                     EXPECT_EQ(process->waitForExit(defaultWait), -SIGKILL);
+                     start();
+                     awaitAnswers();
+                 }),
+             LeakScenario{"compositor comes and goes", Kind::unpreventable,
+                          [&](int round) {
+                              if (GetParam().isCompositing) return;
+                              round % 2 == 0 ? desktop.startCompositor() : desktop.stopCompositor();
+                          }},
+             LeakScenario{"manager replaced", Kind::unpreventable,
+                          [&](int) {
+                              if (!GetParam().manager.isEmpty())
+                                  desktop.changeWindowManager(GetParam().manager);
+                          }},
+         })
+        measure(scenario);
+}
+
+TEST_P(Leaks, WhileOtherWindowsCome) {
+    // Above a translucent mask, so that it must not come above that one alone.
+    addPreset(u"layered"_s, {around({600, 400}), around({400, 300})});
+    workspace.presets.last().masks.first().opacity = 0.5;
+    startMeasuring();
+    xcb_window_t window = XCB_NONE;
+    const auto comes = [&](
+                           const char* name, const NeighbourClient::WindowOptions& options,
+                           const std::function<void()>& then = [] {}) {
+        return LeakScenario{name, Kind::newcomer,
+                            [&, options, then](int) {
+                                window = neighbour.open(options);
+                                then();
+                                EXPECT_TRUE(settles());
+                                neighbour.destroy(window);
+                            },
+                            u"layered"_s};
+    };
+    const auto asks = [&](const QString& state) {
+        return [&, state] { neighbour.requestState(window, state); };
+    };
+    const xcb_window_t lasting = neighbour.create(newcomer());
+    neighbour.lower(lasting);
+    const auto options = newcomer();
+    const auto managed = newcomer(false);
+    auto notification = managed;
+    notification.windowType = u"_NET_WM_WINDOW_TYPE_NOTIFICATION"_s;
+    for (const LeakScenario& scenario : {
+             comes("popup", options),
+             comes("popup raised", options, [&] { neighbour.raise(window); }),
+             LeakScenario{"popup mapped again", Kind::newcomer,
+                          [&](int) {
+                              neighbour.map(lasting);
+                              EXPECT_TRUE(settles());
+                              neighbour.unmap(lasting);
+                          },
+                          u"layered"_s},
+             comes("window", managed, [&] { neighbour.requestActivation(window); }),
+             comes("window above", managed, asks(u"_NET_WM_STATE_ABOVE"_s)),
+             comes("window full screen", managed, asks(u"_NET_WM_STATE_FULLSCREEN"_s)),
+             comes("notification", notification),
+             LeakScenario{"workspace changed", Kind::newcomer,
+                          [&](int round) { neighbour.requestWorkspace(1 - round % 2); },
+                          u"layered"_s},
+         })
+        measure(scenario);
+}
+
+TEST_P(Leaks, WhileARivalInsists) {
+    startMeasuring();
+    m_mostLogLines = 1;
+    const auto insist = [&](xcb_window_t rival) {
+        for (int i = 0; i < 45; ++i) {
+            neighbour.raise(rival);
+            EXPECT_TRUE(waitUntil([&] { return probe.isAbove(topMask(), rival); })) << i;
+        }
+    };
+    measure({"rival that insists", Kind::newcomer, [&](int) {
+                 const xcb_window_t rival = neighbour.open(newcomer());
+                 insist(rival);
+                 neighbour.destroy(rival);
+             }});
+    // The rival covers a part of the mask in which nothing is read.
+    auto aside = newcomer();
+    aside.frame = QRect(center() - QPoint(190, 100), QSize(100, 100));
+    measure({"popup beside a rival", Kind::newcomer, [&](int) {
+                 const xcb_window_t rival = neighbour.open(aside);
+                 insist(rival);
+                 const xcb_window_t popup = neighbour.open(newcomer());
+                 EXPECT_TRUE(settles());
+                 neighbour.destroy(popup);
+                 neighbour.destroy(rival);
+             }});
+}
+
+TEST_P(Leaks, UntilAHostileNeighbourIsUndone) {
+    startMeasuring();
+    const auto forged = [&](std::uint8_t type) {
+        return [&, type] { neighbour.forge(type, topMask()); };
+    };
+    const QRect small(center() - QPoint(20, 20), QSize(20, 20));
+    const std::pair<const char*, std::function<void()>> attacks[] = {
+        {"unmapped", [&] { neighbour.unmap(topMask()); }},
+        {"taken away", [&] { neighbour.takeAway(topMask()); }},
+        {"shaped away", [&] { neighbour.shapeAway(topMask()); }},
+        {"lowered", [&] { neighbour.lower(topMask()); }},
+        {"destroyed", [&] { neighbour.destroy(topMask()); }},
+        {"made transparent",
+         [&] { neighbour.setNumbers(topMask(), u"_NET_WM_WINDOW_OPACITY"_s, u"CARDINAL"_s, {0}); }},
+        {"forged destruction", forged(XCB_DESTROY_NOTIFY)},
+        {"forged unmapping", forged(XCB_UNMAP_NOTIFY)},
+        {"forged move", forged(XCB_CONFIGURE_NOTIFY)},
+        {"forged removal", forged(XCB_REPARENT_NOTIFY)},
+    };
+    for (const auto& [name, attack] : attacks)
+        measure({name, Kind::unpreventable, [&](int) { attack(); }});
+    measure({"unmapped right after a request", Kind::unpreventable, [&](int) {
+                 const QPoint grip = center() + QPoint(3, 90);
+                 input.movePointer(grip);
+                 input.press();
+                 // Somewhen between the step and what the program asks of the server for it.
+                 for (int delay = 0; delay < 40; ++delay) {
+                     input.movePointer(grip + QPoint(delay % 2, 0));
+                     const auto until =
+                         std::chrono::steady_clock::now() + std::chrono::microseconds(10 * delay);
+                     while (std::chrono::steady_clock::now() < until) {
+                     }
+                     neighbour.unmap(topMask());
+                     if (!waitUntil([&] { return topMask() != XCB_NONE; })) break;
+                 }
+                 input.release();
+             }});
+}
+
+TEST_P(Leaks, NothingWhileTheScreenIsLocked) {
+    startMeasuring();
+    measure({"screen locked", Kind::unpreventable, [&](int) {
+                 NeighbourClient locker(desktop.displayName());
+                 auto options = newcomer();
+                 options.frame = QRect(QPoint(0, 0), 2 * center());
+                 options.title = u"Locker"_s;
+                 const xcb_window_t window = locker.open(options);
+                 EXPECT_TRUE(locker.grabKeyboard());
+                 // As lockers do whenever something obscures them.
+                 auto lastRaise = std::chrono::steady_clock::now();
+                 EXPECT_TRUE(waitUntil([&] {
+                     const auto now = std::chrono::steady_clock::now();
+                     if (locker.isObscured(window)) {
+                         locker.raise(window);
+                         lastRaise = now;
+                     }
+                     return now - lastRaise >= 3 * quietTime && m_meter->coveredTime() >= quietTime;
+                 })) << "the masks do not let the locker be";
+                 EXPECT_EQ(m_meter->take().leaks.readings, 0);
+             }});
+}
+
+TEST_P(LeaksOfOperations, OfTheApplicationState) {
     measureTurns("lower translucent one selected", {u"select 0"_s, u"select 1"_s});
     measureTurns("another restyled",
-                 {u"style 0 frosted"_s, u"style 0 softTint"_s, u"style 0 blackout"_s});
+                 {u"style 0 blackout"_s, u"style 0 softTint"_s, u"style 0 frosted"_s});
+    perform(u"style 0 blackout"_s);
     measureTurns("another's opacity", {u"opacity 0 0.3"_s, u"opacity 0 0.7"_s});
     measureTurns("own colour", {u"color 1 #000500"_s, u"color 1 #000000"_s});
     measureTurns("another hidden and shown", {u"visible 0 0"_s, u"visible 0 1"_s});
     measureTurns("group hidden and shown", {u"group-visible 0"_s});
-    operate(u"select 1"_s);
+    perform(u"select 1"_s);
     measureTurns("moved by steps", {u"nudge 10"_s, u"nudge -10"_s});
     measureTurns("resized by steps", {u"resize 10"_s, u"resize -10"_s});
-    measureTurns("duplicated and deleted", {u"duplicate"_s, u"delete"_s});
+    measureTurns("duplicated and deleted", {u"select 1"_s, u"duplicate"_s, u"delete"_s});
 }
 
 INSTANTIATE_TEST_SUITE_P(Desktops, Leaks, testing::ValuesIn(chosenDesktops()));

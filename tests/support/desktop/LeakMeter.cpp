@@ -32,9 +32,9 @@ LeakMeter::Tally LeakMeter::take() {
     return std::exchange(m_tally, {});
 }
 
-LeakMeter::Duration LeakMeter::cleanTime() const {
+LeakMeter::Duration LeakMeter::timeSince(const Clock::time_point& begin) const {
     const std::scoped_lock lock(m_mutex);
-    return m_cleanSince == Clock::time_point() ? Duration(0) : Clock::now() - m_cleanSince;
+    return begin == Clock::time_point() ? Duration(0) : Clock::now() - begin;
 }
 
 bool LeakMeter::seesSecretEverywhere() const {

@@ -43,13 +43,17 @@ public:
     /// What was read since the last call, or since the start.
     Tally take();
     /// For how long every point has been black.
-    Duration cleanTime() const;
+    Duration cleanTime() const { return timeSince(m_cleanSince); }
+    /// For how long something green has been above a mask.
+    Duration coveredTime() const { return timeSince(m_coversSince); }
     /// Whether every point of the last reading has exactly the secret's colour.
     bool seesSecretEverywhere() const;
 
 private:
     using Clock = std::chrono::steady_clock;
 
+    /// Zero for the epoch.
+    Duration timeSince(const Clock::time_point& begin) const;
     void read(const XClient& client, const QList<QPoint>& points);
     static void note(Moments& moments, Clock::time_point& since, Clock::time_point now,
                      int strength, QRgb color);

@@ -207,3 +207,15 @@ bool NeighbourClient::isViewable(xcb_window_t window) const {
         reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(connection(), window));
     return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
 }
+
+bool NeighbourClient::isObscured(xcb_window_t window) const {
+    const auto tree = reply(xcb_query_tree_reply, xcb_query_tree(connection(), root()));
+    const QRect frame = geometry(window).value_or(QRect());
+    if (!tree) return false;
+    const xcb_window_t* const first = xcb_query_tree_children(tree.get());
+    const xcb_window_t* const end = first + xcb_query_tree_children_length(tree.get());
+    return std::any_of(std::find(first, end, window), end, [&](xcb_window_t other) {
+        return other != window && isViewable(other) &&
+               geometry(other).value_or(QRect()).intersects(frame);
+    });
+}

@@ -42,6 +42,8 @@ public:
 
     /// Also of another program's window.
     bool isViewable(xcb_window_t window) const;
+    /// Whether any other shown window is higher in the order and overlaps the window.
+    bool isObscured(xcb_window_t window) const;
     void raise(xcb_window_t window);
     void lower(xcb_window_t window);
     void move(xcb_window_t window, const QRect& frame);
