@@ -31,10 +31,10 @@ struct Greys {
 // Faint enough for nothing to be read.
 constexpr int illegible = 6;
 
-// What a black mask of full opacity makes of the mean below it: 45 % of its colour and then 5.5 %
-// of white upon that.
+// What a black mask of full opacity makes of the mean below it: 45 % of its colour, and upon that
+// 55 % of the mean, which has a tenth of white in it.
 double throughMask(double mean) {
-    return mean * 0.55 * 0.945 + 255 * 0.055;
+    return 0.45 * (0.55 * mean) + 0.55 * (0.9 * mean + 0.1 * 255);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QList>
 #include <QRect>
+#include <QRegion>
 #include <QString>
 #include <QUuid>
 #include <optional>
@@ -56,6 +57,7 @@ public:
     bool isMapped() const { return m_isMapped; }
     /// The picture that the window shows; XCB_NONE before the first.
     xcb_pixmap_t picture() const { return m_picture; }
+    const OverlayVisual& visual() const { return m_visual; }
 
     void setRect(const QRect& rect);
     /// Gives the window a new picture of the given size, painted part by part: each image lies at
@@ -65,6 +67,10 @@ public:
         QImage image;
     };
     void setPicture(QSize size, const QList<Part>& parts);
+    /// The same with a pixmap of the window's depth, which the window owns from now on.
+    void setPicture(QSize size, xcb_pixmap_t pixmap);
+    /// Shows what has been drawn on the picture there.
+    void showPictureAgain(const QRegion& region);
     /// Takes the window away outside these rectangles; no list restores it whole.
     void setBoundingAreas(const std::optional<QList<QRect>>& areas);
     /// Lets the mouse through to what lies below.
@@ -84,7 +90,6 @@ public:
 
 private:
     void setProperties(const QString& title, const std::optional<QUuid>& maskID);
-    void putImage(xcb_pixmap_t pixmap, const Part& part);
 
     XcbConnection& m_connection;
     const OverlayVisual& m_visual;

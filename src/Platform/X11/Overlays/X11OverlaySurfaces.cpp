@@ -15,13 +15,10 @@ X11OverlaySurfaces::X11OverlaySurfaces(const Services& services)
       m_knownScreens(services.screens.screens()),
       m_managers(services.connection, services.log),
       m_guard(services.connection, services.scheduler, services.log, *this),
-      m_backdrops(services.connection) {
+      m_painter(
+          services.connection, services.scheduler, [this] { return shownMasks(); },
+          services.isOwnWindow) {
     m_managers.onReplaced = [this] { remakeWindows(); };
-    m_backdrops.onChanged = [this](const QRect& rect) { noteBackdropChange(rect); };
-    m_backdrops.pictureOf = [this](xcb_window_t window) -> xcb_pixmap_t {
-        const X11OverlaySurface* const surface = surfaceOf(window);
-        return surface ? surface->window().picture() : xcb_pixmap_t{XCB_NONE};
-    };
     m_subscriptions.keep(m_connection.onPointerEvent(
         [this](const xcb_generic_event_t& event) { m_input.handleEvent(event); }));
     m_subscriptions.keep(
@@ -45,7 +42,7 @@ std::unique_ptr<NativeOverlayWindow> X11OverlaySurfaces::makeWindow(
     auto window = std::make_unique<NativeOverlayWindow>(
         m_connection, visual(), m_services.screens.space().toNative(description.frame),
         description.title, description.maskID);
-    m_backdrops.leaveOut(window->id());
+    m_painter.leaveOut(*window);
     return window;
 }
 
@@ -116,7 +113,6 @@ void X11OverlaySurfaces::commit() {
         updateCloseDownMode();
     }
     if (isChanged) updateBackdrops();
-    m_layers.reset();
     // What can be seen comes first.
     m_connection.flush();
     if (isChanged) tellPlaces();
@@ -148,6 +144,7 @@ void X11OverlaySurfaces::applyOrder() {
     stack.reserve(shown.size());
     for (const X11OverlaySurface* surface : shown)
         stack.push_back(surface->window().id());
+    m_painter.prepareOrder(shownMasks(), m_stack);
 
     // What went only leaves the others where they are.
     if (stack != m_stack)
