@@ -31,13 +31,26 @@ DisplayObserver::Clock::duration DisplayObserver::timeUntilUnmapped(std::uint8_t
 
 DisplayObserver::Clock::duration DisplayObserver::timeUntilMoved(xcb_window_t window,
                                                                  QPoint pointer) {
+    return timeUntilConfigured(window, [&] {
+        xcb_test_fake_input(connection(), XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, root(),
+                            static_cast<std::int16_t>(pointer.x()),
+                            static_cast<std::int16_t>(pointer.y()), 0);
+    });
+}
+
+DisplayObserver::Clock::duration DisplayObserver::timeUntilConfigured(
+    xcb_window_t window, const std::function<void()>& requests) {
     const auto start = Clock::now();
-    xcb_test_fake_input(connection(), XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, root(),
-                        static_cast<std::int16_t>(pointer.x()),
-                        static_cast<std::int16_t>(pointer.y()), 0);
+    requests();
     xcb_flush(connection());
     waitFor<xcb_configure_notify_event_t>(XCB_CONFIGURE_NOTIFY, window);
     return Clock::now() - start;
+}
+
+void DisplayObserver::forgetEvents() {
+    roundTrip();
+    while (const XcbPtr<xcb_generic_event_t> event{xcb_poll_for_event(connection())}) {
+    }
 }
 
 template <typename Event>

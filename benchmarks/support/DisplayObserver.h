@@ -3,6 +3,7 @@
 #include "support/desktop/XTestInput.h"
 
 #include <chrono>
+#include <functional>
 
 /// Watches the top-level windows of a display, and moves its pointer, on one connection.
 class DisplayObserver : public XTestInput {
@@ -23,6 +24,11 @@ public:
     /// Sends a motion of the pointer and returns how long it takes until the window has moved.
     /// Throws std::runtime_error when it does not within ten seconds.
     Clock::duration timeUntilMoved(xcb_window_t window, QPoint pointer);
+    /// Makes requests and returns how long it takes until the window has been moved, resized or
+    /// restacked. Throws as above.
+    Clock::duration timeUntilConfigured(xcb_window_t window, const std::function<void()>& requests);
+    /// What happened so far is not waited for.
+    void forgetEvents();
 
 private:
     template <typename Event>

@@ -36,16 +36,14 @@ constexpr double frostOpacity = 0.55;
 constexpr double frostTint = 0.10;
 constexpr double frostBlur = 20;
 
-/// `above` painted over `below`, as one colour.
-Color over(const Color& above, const Color& below) {
-    const double shown = below.opacity * (1 - above.opacity);
-    const double opacity = above.opacity + shown;
+/// Two colours side by side, neither covering a part of the other, as one.
+Color together(const Color& a, const Color& b) {
+    const double opacity = a.opacity + b.opacity;
     if (opacity <= 0) return {0, 0, 0, 0};
-    const auto mix = [&](double aboveValue, double belowValue) {
-        return (aboveValue * above.opacity + belowValue * shown) / opacity;
+    const auto mix = [&](double first, double second) {
+        return (first * a.opacity + second * b.opacity) / opacity;
     };
-    return {mix(above.red, below.red), mix(above.green, below.green), mix(above.blue, below.blue),
-            opacity};
+    return {mix(a.red, b.red), mix(a.green, b.green), mix(a.blue, b.blue), opacity};
 }
 
 /// The opacity that can be painted. One that is not a number hides what the mask is there to hide.
@@ -61,13 +59,16 @@ int percentage(double opacity) {
 }
 
 /// The layers of the panel as one paint: everything below the outline has the same shape, so that
-/// each pixel is painted once and edges have no seam. The blur of what lies below goes beneath it.
+/// each pixel is painted once and edges have no seam. The blur of what lies below goes beneath it,
+/// for the material lies over the colour and lets only a part of that through; what it shows
+/// instead, apart from its own tint, is that blur again.
 MaskPanel panelOf(const OverlayMaskView& view) {
     MaskPanel panel{
         .inset = stackInset, .cornerRadius = panelRadius, .fill = {}, .outline = {}, .glow = {}};
     panel.fill = view.fillColor().withOpacity(paintedOpacity(view.mask.opacity));
     if (view.mask.style == ScreenMask::Style::frosted)
-        panel.fill = over(SystemColors::white.withOpacity(frostTint * frostOpacity), panel.fill);
+        panel.fill = together(panel.fill.withOpacity(1 - frostOpacity),
+                              SystemColors::white.withOpacity(frostTint * frostOpacity));
     if (view.isSelected)
         panel.glow = MaskPanel::Glow{SystemColors::cyan.withOpacity(0.28), glowRadius};
     if (view.isEditingEnabled) {

@@ -1,8 +1,13 @@
 #include "desktop/VeylaTest.h"
+#include "support/desktop/Compositor.h"
+#include "support/desktop/X11Harness.h"
 
+#include <QPainter>
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <functional>
+#include <thread>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -31,11 +36,38 @@ struct Greys {
 // Faint enough for nothing to be read.
 constexpr int illegible = 6;
 
-// What a black mask of full opacity makes of the mean below it: 45 % of its colour and then 5.5 %
-// of white upon that.
+// What a black mask of full opacity makes of the mean below it: 45 % of its colour, and upon that
+// 55 % of the mean, which has a tenth of white in it.
 double throughMask(double mean) {
-    return mean * 0.55 * 0.945 + 255 * 0.055;
+    return 0.45 * (0.55 * mean) + 0.55 * (0.9 * mean + 0.1 * 255);
 }
+
+/// Looks at one pixel of the screen as often as it can, on a thread of its own.
+class PixelWatch : private XClient {
+public:
+    PixelWatch(const QString& displayName, QPoint position)
+        : XClient(displayName), m_thread([this, position] {
+              while (!m_isOver) {
+                  const auto image =
+                      reply(xcb_get_image_reply,
+                            xcb_get_image(connection(), XCB_IMAGE_FORMAT_Z_PIXMAP, root(),
+                                          static_cast<std::int16_t>(position.x()),
+                                          static_cast<std::int16_t>(position.y()), 1, 1, ~0U));
+                  m_lightest = std::max<int>(m_lightest, xcb_get_image_data(image.get())[1]);
+              }
+          }) {}
+    /// The most green that was seen.
+    int end() {
+        m_isOver = true;
+        m_thread.join();
+        return m_lightest;
+    }
+
+private:
+    std::atomic<bool> m_isOver = false;
+    std::atomic<int> m_lightest = 0;
+    std::thread m_thread;
+};
 
 }  // namespace
 
@@ -188,4 +220,63 @@ TEST_F(Translucent, AMaskShowsWhatLiesBelowAndFollowsIt) {
     EXPECT_TRUE(shows({450, 300}, 127, 0));
     neighbour.unmap(window);
     EXPECT_TRUE(shows({450, 300}, 0, 0));
+}
+
+namespace {
+
+/// A plain colour, on a blur of what lies below or not.
+class PlainContent final : public SurfaceContent {
+public:
+    PlainContent(QColor color, double blur) : m_color(std::move(color)), m_blur(blur) {}
+    void paint(QPainter& painter, Size size) const override {
+        painter.fillRect(QRectF(0, 0, size.width, size.height), m_color);
+    }
+    double backdropBlur() const override { return m_blur; }
+    QPainterPath blurredShape(Size size, double scale) const override {
+        QPainterPath path;
+        path.addRect(0, 0, size.width * scale, size.height * scale);
+        return path;
+    }
+
+private:
+    QColor m_color;
+    double m_blur;
+};
+
+}  // namespace
+
+TEST(RaisedSurface, NeverShowsWhatTheOneThatWasAboveItHid) {
+    // Places on the left alone and together, away from edges that a blur would reach.
+    const QPoint alone(200, 350);
+    const QPoint together(450, 350);
+    std::optional<Compositor> compositor;
+    for (const auto& [blur, isComposited] : {std::pair(0, false), {20, false}, {20, true}}) {
+        SCOPED_TRACE(testing::Message() << "blur " << blur << ", composited " << isComposited);
+        if (isComposited) compositor.emplace(QProcessEnvironment::systemEnvironment());
+        X11Harness harness;
+        NeighbourClient neighbour;
+        neighbour.open({.frame = {0, 0, 1280, 800}, .isOverrideRedirect = true});
+        const auto make = [&](const Rect& frame, const QColor& color, double deviation) {
+            auto surface =
+                harness.surfaces().createSurface({u"mask"_s, QUuid::createUuid(), frame}, nullptr);
+            surface->setContent(std::make_shared<PlainContent>(color, deviation));
+            surface->orderFront();
+            return surface;
+        };
+        const auto sheer = make({100, 200, 500, 300}, QColor(0, 0, 0, 100), blur);
+        const auto dense = make({300, 100, 500, 500}, Qt::black, 0);
+        const auto isShownThrough = [&] {
+            const int green = Screenshot(neighbour).pixel(alone).green();
+            return green > 100 && green < 255;
+        };
+        ASSERT_TRUE(harness.waitUntil(isShownThrough));
+        PixelWatch watch({}, together);
+        for (int i = 0; i < 10; ++i) {
+            sheer->orderFront();
+            EXPECT_TRUE(harness.waitUntil(isShownThrough));
+            dense->orderFront();
+            harness.settle();
+        }
+        EXPECT_EQ(watch.end(), 0);
+    }
 }

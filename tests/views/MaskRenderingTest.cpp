@@ -50,6 +50,13 @@ QImage corner(const QImage& image, bool isRight, bool isBottom, int side) {
 TEST(MaskRendering, FillsThePanelWithItsColourInEveryState) {
     const Color orange{1, 0x80 / 255.0, 0, 1};
     const Color frost = white.withOpacity(0.1 * 0.55);
+    // The blur that is shown at 0.55, and upon its tint, leaves 0.45 of the colour below it.
+    const auto frostOver = [&](const Color& fill) {
+        const double below = 0.45 * fill.opacity;
+        const double opacity = below + frost.opacity;
+        const auto mix = [&](double value) { return (value * below + frost.opacity) / opacity; };
+        return Color{mix(fill.red), mix(fill.green), mix(fill.blue), opacity};
+    };
     struct Case {
         Style style;
         const char* colorHex;
@@ -61,9 +68,9 @@ TEST(MaskRendering, FillsThePanelWithItsColourInEveryState) {
         {Style::blackout, "#FF80", 0.5, black.withOpacity(0.5)},
         {Style::blackout, "#FF8000", 0, clear},
         {Style::blackout, "", 1, black},
-        {Style::frosted, "#FF8000", 0.6, over(frost, orange.withOpacity(0.45 * 0.6))},
-        {Style::frosted, "none", 0.6, over(frost, SystemColors::blue.withOpacity(0.45 * 0.6))},
-        {Style::frosted, "none", 1, over(frost, SystemColors::blue.withOpacity(0.45))},
+        {Style::frosted, "#FF8000", 0.6, frostOver(orange.withOpacity(0.45 * 0.6))},
+        {Style::frosted, "none", 0.6, frostOver(SystemColors::blue.withOpacity(0.45 * 0.6))},
+        {Style::frosted, "none", 1, frostOver(SystemColors::blue.withOpacity(0.45))},
         {Style::frosted, "none", 0, frost},
         {Style::softTint, "#FF8000", 0.5, orange.withOpacity(0.36)},
         {Style::softTint, "none", 1, SystemColors::indigo.withOpacity(0.72)},

@@ -4,6 +4,7 @@
 #include <QSocketNotifier>
 #include <array>
 #include <utility>
+#include <xcb/xcbext.h>
 
 namespace {
 
@@ -154,6 +155,7 @@ Subscription XcbConnection::onConnectionLost(std::function<void()> callback) {
 void XcbConnection::processQueuedEvents() {
     if (m_isDispatching) return;
     dispatchQueued();
+    takeReplies();
     flush();
 }
 
@@ -163,6 +165,7 @@ void XcbConnection::processEvents() {
     dispatchBurst(xcb_poll_for_event(m_connection));
     // What the handlers wait for may bring further events with it.
     dispatchQueued();
+    takeReplies();
     flush();
     if (xcb_connection_has_error(m_connection)) {
         m_socketNotifier->setEnabled(false);
@@ -173,6 +176,21 @@ void XcbConnection::processEvents() {
 void XcbConnection::dispatchQueued() {
     while (auto* const first = xcb_poll_for_queued_event(m_connection))
         dispatchBurst(first);
+}
+
+void XcbConnection::takeReplies() {
+    while (!m_awaitedReplies.empty()) {
+        void* reply = nullptr;
+        xcb_generic_error_t* error = nullptr;
+        const AwaitedReply& awaited = m_awaitedReplies.front();
+        if (xcb_poll_for_reply(m_connection, awaited.sequence, &reply, &error) == 0) return;
+        const XcbReply<xcb_generic_error_t> discarded(error);
+        const auto take = awaited.take;
+        m_awaitedReplies.pop_front();
+        take(reply);
+        flush();
+        dispatchBurst(xcb_poll_for_event(m_connection));
+    }
 }
 
 void XcbConnection::dispatchBurst(xcb_generic_event_t* first) {

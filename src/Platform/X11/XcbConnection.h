@@ -7,6 +7,7 @@
 #include <QByteArray>
 #include <QObject>
 #include <QString>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -87,6 +88,17 @@ public:
     /// Calls back once when the server has closed the connection.
     Subscription onConnectionLost(std::function<void()> callback);
 
+    /// Calls back from the main loop when the reply to a request has come, for example
+    /// `whenReplied<xcb_query_tree_reply_t>(cookie, ...)`; the reply is null when the request
+    /// failed. The events that have come go first, also between two replies. Requests must be
+    /// given in the order in which they were made.
+    template <typename Reply, typename Cookie>
+    void whenReplied(Cookie cookie, std::function<void(XcbReply<Reply>)> take) {
+        m_awaitedReplies.push_back({cookie.sequence, [take = std::move(take)](void* reply) {
+                                        take(XcbReply<Reply>(static_cast<Reply*>(reply)));
+                                    }});
+    }
+
     /// Sends the requests made so far.
     void flush() { xcb_flush(m_connection); }
 
@@ -115,12 +127,19 @@ private:
     void processEvents();
     void processQueuedEvents();
     void dispatchQueued();
+    void takeReplies();
     void dispatchBurst(xcb_generic_event_t* first);
 
     xcb_connection_t* m_connection;
     xcb_screen_t* m_screen = nullptr;
     X11Atoms m_atoms;
     uint32_t m_rootEventMask = 0;
+    struct AwaitedReply {
+        unsigned int sequence;
+        /// Owns the reply that it is given.
+        std::function<void(void* reply)> take;
+    };
+    std::deque<AwaitedReply> m_awaitedReplies;
     bool m_isDispatching = false;
     std::unique_ptr<QSocketNotifier> m_socketNotifier;
     Published<const xcb_generic_event_t*> m_event{nullptr};

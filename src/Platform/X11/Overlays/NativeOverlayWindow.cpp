@@ -1,10 +1,10 @@
 #include "Platform/X11/Overlays/NativeOverlayWindow.h"
 
 #include "Models/ScreenMask.h"
+#include "Platform/X11/Overlays/RenderKit.h"
 
 #include <QCoreApplication>
 #include <QSysInfo>
-#include <algorithm>
 #include <array>
 #include <utility>
 #include <xcb/shape.h>
@@ -29,13 +29,6 @@ std::optional<xcb_visualid_t> findAlphaVisual(const xcb_screen_t& screen) {
         }
     }
     return std::nullopt;
-}
-
-int16_t toInt16(int value) {
-    return static_cast<int16_t>(std::clamp(value, -32768, 32767));
-}
-uint16_t toUint16(int value) {
-    return static_cast<uint16_t>(std::clamp(value, 1, 65535));
 }
 
 // Sequence numbers wrap around; what counts is their distance.
@@ -82,9 +75,10 @@ NativeOverlayWindow::NativeOverlayWindow(XcbConnection& connection, const Overla
     const uint32_t eventMask = XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
                                XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_LEAVE_WINDOW;
     const std::array<uint32_t, 5> values{0, 0, 1, eventMask, visual.colormap()};
-    xcb_create_window(connection, visual.depth(), m_id, connection.root(), toInt16(rect.x()),
-                      toInt16(rect.y()), toUint16(rect.width()), toUint16(rect.height()), 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, visual.visual(),
+    xcb_create_window(connection, visual.depth(), m_id, connection.root(), serverPosition(rect.x()),
+                      serverPosition(rect.y()), serverLength(rect.width()),
+                      serverLength(rect.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                      visual.visual(),
                       XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT |
                           XCB_CW_EVENT_MASK | XCB_CW_COLORMAP,
                       values.data());
@@ -136,10 +130,15 @@ void NativeOverlayWindow::setRect(const QRect& rect) {
 
 void NativeOverlayWindow::setPicture(QSize size, const QList<Part>& parts) {
     const xcb_pixmap_t pixmap = xcb_generate_id(m_connection);
-    xcb_create_pixmap(m_connection, m_visual.depth(), pixmap, m_id, toUint16(size.width()),
-                      toUint16(size.height()));
+    xcb_create_pixmap(m_connection, m_visual.depth(), pixmap, m_id, serverLength(size.width()),
+                      serverLength(size.height()));
     for (const Part& part : parts)
-        putImage(pixmap, part);
+        putImage(m_connection, pixmap, m_visual.graphicsContext(), m_visual.depth(), part.image,
+                 part.position);
+    setPicture(pixmap);
+}
+
+void NativeOverlayWindow::setPicture(xcb_pixmap_t pixmap) {
     const xcb_pixmap_t previous = std::exchange(m_picture, pixmap);
     if (!m_formerPicture)
         m_formerPicture = previous;
@@ -157,9 +156,9 @@ void NativeOverlayWindow::present() {
     }
     if (std::exchange(m_isPlaced, true)) return;
     m_presentedSize = m_rect.size();
-    const std::array<uint32_t, 4> values{static_cast<uint32_t>(toInt16(m_rect.x())),
-                                         static_cast<uint32_t>(toInt16(m_rect.y())),
-                                         toUint16(m_rect.width()), toUint16(m_rect.height())};
+    const std::array<uint32_t, 4> values{static_cast<uint32_t>(serverPosition(m_rect.x())),
+                                         static_cast<uint32_t>(serverPosition(m_rect.y())),
+                                         serverLength(m_rect.width()), serverLength(m_rect.height())};
     m_placeSequence = xcb_configure_window(m_connection, m_id,
                                            XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
                                                XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
@@ -167,21 +166,14 @@ void NativeOverlayWindow::present() {
                           .sequence;
 }
 
-void NativeOverlayWindow::putImage(xcb_pixmap_t pixmap, const Part& part) {
-    constexpr qsizetype requestHeader = 64;
-    const qsizetype longestRequest =
-        static_cast<qsizetype>(xcb_get_maximum_request_length(m_connection)) * 4 - requestHeader;
-    const QImage& image = part.image;
-    const qsizetype bytesPerLine = image.bytesPerLine();
-    const int rowsPerRequest =
-        static_cast<int>(std::max<qsizetype>(longestRequest / bytesPerLine, 1));
-    for (int row = 0; row < image.height(); row += rowsPerRequest) {
-        const int rows = std::min(rowsPerRequest, image.height() - row);
-        xcb_put_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, m_visual.graphicsContext(),
-                      toUint16(image.width()), toUint16(rows), toInt16(part.position.x()),
-                      toInt16(part.position.y() + row), 0, m_visual.depth(),
-                      static_cast<uint32_t>(bytesPerLine * rows), image.constScanLine(row));
-    }
+void NativeOverlayWindow::showPictureAgain(const QRegion& region) {
+    // A newer picture is shown whole.
+    if (m_formerPicture) return;
+    // Only with this does the protocol promise that the changed pixels count.
+    xcb_change_window_attributes(m_connection, m_id, XCB_CW_BACK_PIXMAP, &m_picture);
+    for (const QRect& rect : region)
+        xcb_clear_area(m_connection, 0, m_id, serverPosition(rect.x()), serverPosition(rect.y()),
+                       serverLength(rect.width()), serverLength(rect.height()));
 }
 
 void NativeOverlayWindow::setBoundingAreas(const std::optional<QList<QRect>>& areas) {
@@ -193,8 +185,8 @@ void NativeOverlayWindow::setBoundingAreas(const std::optional<QList<QRect>>& ar
     std::vector<xcb_rectangle_t> rectangles;
     rectangles.reserve(static_cast<std::size_t>(areas->size()));
     for (const QRect& area : *areas)
-        rectangles.push_back({toInt16(area.x()), toInt16(area.y()), toUint16(area.width()),
-                              toUint16(area.height())});
+        rectangles.push_back({serverPosition(area.x()), serverPosition(area.y()),
+                              serverLength(area.width()), serverLength(area.height())});
     xcb_shape_rectangles(m_connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
                          XCB_CLIP_ORDERING_UNSORTED, m_id, 0, 0,
                          static_cast<uint32_t>(rectangles.size()), rectangles.data());

@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QList>
 #include <QRect>
+#include <QRegion>
 #include <QString>
 #include <QUuid>
 #include <optional>
@@ -68,8 +69,12 @@ public:
         QImage image;
     };
     void setPicture(QSize size, const QList<Part>& parts);
+    /// The same with a pixmap of the window's depth, which the window owns from now on.
+    void setPicture(xcb_pixmap_t pixmap);
     /// Shows the picture and the place that were set. What takes time has been done before.
     void present();
+    /// Shows what has been drawn on the picture there.
+    void showPictureAgain(const QRegion& region);
 
     /// Makes the window stand for another mask.
     void setMaskID(const std::optional<QUuid>& maskID);
@@ -101,7 +106,6 @@ public:
 
 private:
     void setProperties(const QString& title, const std::optional<QUuid>& maskID);
-    void putImage(xcb_pixmap_t pixmap, const Part& part);
     void applyInputShape();
 
     XcbConnection& m_connection;

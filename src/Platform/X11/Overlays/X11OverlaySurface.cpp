@@ -1,6 +1,5 @@
 #include "Platform/X11/Overlays/X11OverlaySurface.h"
 
-#include "Drawing/FrostedImage.h"
 #include "Platform/X11/Overlays/X11OverlaySurfaces.h"
 #include "Services/ScreenPlacement.h"
 
@@ -129,8 +128,8 @@ void X11OverlaySurface::prepare(const DesktopSpace& space) {
 }
 
 void X11OverlaySurface::present() {
-    if (!std::exchange(m_needsApplying, false)) return;
     m_window->present();
+    if (!std::exchange(m_needsApplying, false)) return;
     m_window->setInputPassThrough(m_ignoresMouseEvents);
     if (m_appliedCursor != m_cursor && m_isShown) {
         m_window->setCursor(m_owner.cursor(m_cursor));
@@ -148,6 +147,7 @@ void X11OverlaySurface::reuse(RetiredWindows& retired, const DesktopSpace& space
 }
 
 void X11OverlaySurface::giveUpWindow(RetiredWindows& retired) {
+    m_composed.reset();
     retired.add(std::move(m_window), std::move(m_content));
 }
 
@@ -158,47 +158,60 @@ bool X11OverlaySurface::isPlacedAnew() {
 }
 
 void X11OverlaySurface::paint(const QRect& rect) {
+    m_needsPainting = false;
     const QSize size = rect.size();
     const Size points{size.width() / m_scaleFactor, size.height() / m_scaleFactor};
+    const auto paintedPixels = m_content->paintedPixels(points, m_scaleFactor);
+    if (m_window->hasBoundingAreas() && !paintedPixels) m_window->setBoundingAreas(std::nullopt);
+    if (!paintedPixels && m_owner.composesPicture(isFrosted())) return paintToCompose(rect, points);
+
+    m_composed.reset();
+    QList<QRect> areas = paintedPixels.value_or(QList<QRect>{QRect(QPoint(0, 0), size)});
     QList<NativeOverlayWindow::Part> parts;
-    std::optional<QList<QRect>> bounds;
-    if (const auto paintedPixels = m_content->paintedPixels(points, m_scaleFactor)) {
-        bounds.emplace();
-        for (const QRect& area : *paintedPixels) {
-            const QRect pixels = area.intersected(QRect(QPoint(0, 0), size));
-            if (pixels.isEmpty()) continue;
-            bounds->append(pixels);
-            parts.append({pixels.topLeft(), paintPart(pixels, points, std::nullopt)});
-        }
-    } else {
-        parts.append({QPoint(0, 0), paintPart(QRect(QPoint(0, 0), size), points,
-                                              m_owner.backdropOf(*this, rect))});
+    for (QRect& area : areas) {
+        area &= QRect(QPoint(0, 0), size);
+        if (!area.isEmpty())
+            parts.append({area.topLeft(), paintPart(area, points, m_owner.imageFormat())});
     }
+    areas.removeIf([](const QRect& area) { return area.isEmpty(); });
     m_window->setPicture(size, parts);
-    if (m_window->hasBoundingAreas() || bounds) m_window->setBoundingAreas(bounds);
-    m_needsPainting = false;
+    if (paintedPixels) m_window->setBoundingAreas(areas);
 }
 
-QImage X11OverlaySurface::paintPart(const QRect& part, Size points,
-                                    const std::optional<QImage>& backdrop) const {
-    QImage image(part.size(), m_owner.imageFormat());
+void X11OverlaySurface::paintToCompose(const QRect& rect, Size points) {
+    const bool isOfOtherSize = !m_composed || rect.size() != m_window->rect().size();
+    if (!m_composed) m_composed = m_owner.makePicture(*m_window);
+    ComposedPicture::Look look;
+    look.ink =
+        paintPart(QRect(QPoint(0, 0), rect.size()), points, QImage::Format_ARGB32_Premultiplied);
+    look.hasGround = !m_owner.isCompositing();
+    if (isFrosted()) {
+        look.deviation = m_content->backdropBlur() * m_scaleFactor;
+        look.glass = QImage(rect.size(), QImage::Format_Alpha8);
+        look.glass.fill(0);
+        QPainter painter(&look.glass);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.fillPath(m_content->blurredShape(points, m_scaleFactor), Qt::black);
+    }
+    m_composed->setLook(std::move(look), m_window->rect().topLeft() - rect.topLeft());
+    // One that is to be mapped gets its picture then, and one of the same size with the next
+    // refresh.
+    if (m_window->isMapped() && isOfOtherSize) m_owner.renewPicture(*m_composed);
+}
+
+QImage X11OverlaySurface::paintPart(const QRect& part, Size points, QImage::Format format) const {
+    QImage image(part.size(), format);
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    if (backdrop && !m_owner.isCompositing()) painter.drawImage(0, 0, *backdrop);
     painter.setRenderHint(QPainter::Antialiasing);
-    if (isFrosted()) paintFrost(painter, points, backdrop);
     painter.translate(-part.topLeft());
+    // Without the server's help nothing below is seen.
+    if (isFrosted() && !m_composed)
+        painter.fillPath(m_content->blurredShape(points, m_scaleFactor), Qt::black);
     painter.scale(m_scaleFactor, m_scaleFactor);
     m_content->paint(painter, points);
     painter.end();
     return image;
-}
-
-void X11OverlaySurface::paintFrost(QPainter& painter, Size points,
-                                   const std::optional<QImage>& backdrop) const {
-    const double deviation = m_content->backdropBlur() * m_scaleFactor;
-    const QBrush glass = backdrop ? QBrush(frosted(*backdrop, deviation)) : QBrush(Qt::black);
-    painter.fillPath(m_content->blurredShape(points, m_scaleFactor), glass);
 }
 
 void X11OverlaySurface::followScreens(const QList<ScreenInfo>& oldScreens,
@@ -214,6 +227,7 @@ std::unique_ptr<NativeOverlayWindow> X11OverlaySurface::replaceWindow(
     std::unique_ptr<NativeOverlayWindow> window) {
     m_needsApplying = true;
     m_needsPainting = true;
+    m_composed.reset();
     m_appliedCursor.reset();
     return std::exchange(m_window, std::move(window));
 }

@@ -2,6 +2,7 @@
 
 #include "Platform/OverlaySurfaces.h"
 #include "Platform/X11/DesktopSpace.h"
+#include "Platform/X11/Overlays/ComposedPicture.h"
 #include "Platform/X11/Overlays/NativeOverlayWindow.h"
 #include "Platform/X11/Overlays/RetiredWindows.h"
 
@@ -43,6 +44,9 @@ public:
     /// Whether it shows what lies below blurred, which no compositor does by itself.
     bool isFrosted() const { return m_content && m_content->backdropBlur() > 0; }
 
+    /// Null while it does not show what lies below by itself.
+    ComposedPicture* composedPicture() const { return m_composed.get(); }
+
     /// Paints what differs from the wanted state. The rest is sent with the next call of `present`,
     /// mapping and stacking excepted.
     void prepare(const DesktopSpace& space);
@@ -56,12 +60,6 @@ public:
     void giveUpWindow(RetiredWindows& retired);
     /// Whether the surface is elsewhere, or shown otherwise, than at the last call.
     bool isPlacedAnew();
-    /// Paints what is shown again, on what lies below it now.
-    void repaint() {
-        if (!m_isShown || !m_content) return;
-        paint(m_window->rect());
-        m_window->present();
-    }
     /// Takes over where the window is after the screens changed; the delegate is not told.
     void followScreens(const QList<ScreenInfo>& oldScreens, const DesktopSpace& space);
     /// Puts a new window in the place of the old one, which is returned still as it was.
@@ -75,8 +73,9 @@ private:
     /// Where the window is to be.
     const Rect& wantedFrame() const { return m_frameAhead ? *m_frameAhead : m_description.frame; }
     void paint(const QRect& rect);
-    QImage paintPart(const QRect& part, Size points, const std::optional<QImage>& backdrop) const;
-    void paintFrost(QPainter& painter, Size points, const std::optional<QImage>& backdrop) const;
+    /// Paints a picture that is put together with what lies below on the server.
+    void paintToCompose(const QRect& rect, Size points);
+    QImage paintPart(const QRect& part, Size points, QImage::Format format) const;
     void tellDelegate(const Rect& previous);
 
     X11OverlaySurfaces& m_owner;
@@ -88,6 +87,8 @@ private:
     Subscription m_pendingCatchUp;
     SurfaceDelegate* m_delegate;
     std::unique_ptr<NativeOverlayWindow> m_window;
+    /// Null while the window does not show what lies below by itself.
+    std::unique_ptr<ComposedPicture> m_composed;
     std::shared_ptr<const SurfaceContent> m_content;
     AccessibleDescription m_accessible;
     CursorShape m_cursor = CursorShape::arrow;

@@ -21,13 +21,10 @@ X11OverlaySurfaces::X11OverlaySurfaces(const Services& services)
       m_lockers(services.screens, m_probe, services.isSessionLocked),
       m_tamperGuard(services.connection, services.scheduler, services.log, *this),
       m_guard(services.connection, services.scheduler, services.log, m_managers, *this),
-      m_backdrops(services.connection) {
+      m_painter(
+          services.connection, services.scheduler, [this] { return shownMasks(); },
+          services.isOwnWindow) {
     m_managers.onCompositorReplaced = [this] { remakeWindows(); };
-    m_backdrops.onChanged = [this](const QRect& rect) { noteBackdropChange(rect); };
-    m_backdrops.pictureOf = [this](xcb_window_t window) -> xcb_pixmap_t {
-        const X11OverlaySurface* const surface = surfaceOf(window);
-        return surface ? surface->window().picture() : xcb_pixmap_t{XCB_NONE};
-    };
     m_subscriptions.keep(m_connection.onPointerEvent(
         [this](const xcb_generic_event_t& event) { m_input.handleEvent(event); }));
     m_subscriptions.keep(m_connection.onBurstEnd([this] { m_input.flushMotion(); }));
@@ -55,7 +52,7 @@ std::unique_ptr<NativeOverlayWindow> X11OverlaySurfaces::makeWindow(
     auto window = std::make_unique<NativeOverlayWindow>(
         m_connection, visual(), m_services.screens.space().toNative(description.frame),
         description.title, description.maskID);
-    m_backdrops.leaveOut(window->id());
+    m_painter.leaveOut(*window);
     return window;
 }
 
@@ -124,15 +121,16 @@ void X11OverlaySurfaces::commit() {
     if (isChanged) {
         const DesktopSpace& space = m_services.screens.space();
         for (X11OverlaySurface* surface : m_surfaces) {
-            // What is composed with what lies below is not the same below others.
-            if (m_retired.hasNew() && !usesBackdrop(*surface)) surface->reuse(m_retired, space);
+            // What is composed with what lies below is not the same among others.
+            if (m_retired.hasNew() && !composesPicture(surface->isFrosted()))
+                surface->reuse(m_retired, space);
             surface->prepare(space);
         }
         m_surfaceOfWindow.clear();
         showChanges();
         updateBackdrops();
     }
-    m_layers.reset();
+    if (!m_changedBackdrop.isEmpty()) m_painter.noteChange(std::exchange(m_changedBackdrop, {}));
     // What can be seen comes first.
     m_connection.flush();
     if (isChanged) tellPlaces();
@@ -148,6 +146,7 @@ void X11OverlaySurfaces::showChanges() {
     const bool isOrderNew = std::exchange(m_needsOrder, false) && stackOfShown != m_stack;
     std::size_t first = shown.size();
     if (isOrderNew) {
+        m_painter.prepareOrder(shownMasks(), m_stack);
         // What went only leaves the others where they are.
         const std::unordered_set<xcb_window_t> wanted(stackOfShown.begin(), stackOfShown.end());
         std::erase_if(m_stack, [&](xcb_window_t window) { return !wanted.contains(window); });

@@ -3,7 +3,7 @@
 #include "Platform/OverlaySurfaces.h"
 #include "Platform/SurfaceAccessibility.h"
 #include "Platform/X11/ManagerWatch.h"
-#include "Platform/X11/Overlays/BackdropSource.h"
+#include "Platform/X11/Overlays/BackdropPainter.h"
 #include "Platform/X11/Overlays/CursorTheme.h"
 #include "Platform/X11/Overlays/NativeOverlayWindow.h"
 #include "Platform/X11/Overlays/OverlayInput.h"
@@ -90,10 +90,15 @@ private:
     QImage::Format imageFormat() const;
     const OverlayVisual& visual() const { return isCompositing() ? m_alphaVisual : m_plainVisual; }
     bool isCompositing() const { return m_managers.isCompositing(); }
-    /// What lies below a surface that uses it; nothing when that cannot be had.
-    std::optional<QImage> backdropOf(const X11OverlaySurface& surface, const QRect& rect);
+    /// Whether a surface shows what lies below by itself, and not by a compositor.
+    bool composesPicture(bool isFrosted) const;
+    std::unique_ptr<ComposedPicture> makePicture(NativeOverlayWindow& window) {
+        return m_painter.makePicture(window);
+    }
+    void renewPicture(ComposedPicture& picture) { m_painter.renew(picture); }
     /// Something changed there on the screen, and what is composed with it is out of date.
-    void noteBackdropChange(const QRect& rect);
+    /// To be told of with the next commit.
+    void noteBackdropChange(const QRect& rect) { m_changedBackdrop += rect; }
 
     void commitUnlessBatched();
     void commit();
@@ -108,9 +113,8 @@ private:
     void updateCloseDownMode();
     void followScreens();
     void remakeWindows();
-    bool usesBackdrop(const X11OverlaySurface& surface) const;
     void updateBackdrops();
-    void refreshBackdrops();
+    std::vector<BackdropPainter::Mask> shownMasks() const;
     std::unique_ptr<NativeOverlayWindow> makeWindow(const SurfaceDescription& description);
     X11OverlaySurface* surfaceOf(xcb_window_t window) const;
     std::vector<X11OverlaySurface*> shownInOrder() const;
@@ -151,12 +155,8 @@ private:
     // What hides a mask is mended before anything looks at the order.
     TamperGuard m_tamperGuard;
     StackingGuard m_guard;
-    BackdropSource m_backdrops;
-    // What lay where when this commit or refresh began.
-    std::optional<std::vector<BackdropSource::Layer>> m_layers;
-    std::vector<QRect> m_changedBackdrop;
-    std::chrono::steady_clock::time_point m_lastRefresh;
-    Subscription m_pendingRefresh;
+    BackdropPainter m_painter;
+    QRegion m_changedBackdrop;
     Subscription m_leftoverRelease;
     SubscriptionBag m_subscriptions;
 };
