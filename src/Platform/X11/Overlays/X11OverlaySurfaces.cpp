@@ -170,9 +170,18 @@ void X11OverlaySurfaces::showChanges() {
         noteBackdropChange(shown[i]->window().rect());
     if (unmapHidden()) m_retired.clear();
     m_retired.settle(mapped, isCompositing());
+    if (!mapped.isEmpty() && isCompositing())
+        m_secondLook = after(RetiredWindows::longestAppearance / 2, [this] { damageShown(); });
     if (!isOrderNew) return;
     m_stack = std::move(stackOfShown);
     updateCloseDownMode();
+}
+
+// A busy picom 9.1 can miss that a window was mapped again, and paints it when it is damaged.
+void X11OverlaySurfaces::damageShown() {
+    for (X11OverlaySurface* surface : m_surfaces)
+        if (surface->isShown()) xcb_clear_area(m_connection, 0, surface->window().id(), 0, 0, 0, 0);
+    m_connection.flush();
 }
 
 // From the top down: no mask comes to lie above one that is to hide it.

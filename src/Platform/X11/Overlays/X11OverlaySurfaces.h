@@ -103,6 +103,7 @@ private:
     void commitUnlessBatched();
     void commit();
     void showChanges();
+    void damageShown();
     void tellPlaces();
     /// Puts the shown surfaces from that index on above all others, or right below `ceiling`.
     void stack(const std::vector<X11OverlaySurface*>& shown, std::size_t first,
@@ -158,5 +159,6 @@ private:
     BackdropPainter m_painter;
     QRegion m_changedBackdrop;
     Subscription m_leftoverRelease;
+    Subscription m_secondLook;
     SubscriptionBag m_subscriptions;
 };
