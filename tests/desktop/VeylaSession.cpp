@@ -10,6 +10,13 @@
 
 using namespace Qt::Literals::StringLiterals;
 
+namespace {
+
+// Before the tests take the environment of their own desktop.
+const QString program = qEnvironmentVariable("VEYLA_TEST_PROGRAM", QStringLiteral(VEYLA_PROGRAM));
+
+}  // namespace
+
 VeylaSession::VeylaSession(const DesktopSession::Options& options)
     : desktop(options),
       environment(desktop.environment()),
@@ -40,8 +47,7 @@ void VeylaSession::start() {
 
 void VeylaSession::restart() {
     process.reset();
-    process =
-        std::make_unique<ChildProcess>(QStringLiteral(VEYLA_PROGRAM), startArguments, environment);
+    process = std::make_unique<ChildProcess>(program, startArguments, environment);
     requireSoon("the masks are on screen", [&] {
         if (process->isRunning()) return isEveryMaskShownOnce();
         throw std::runtime_error("veyla ended: " + process->standardError().toStdString());
@@ -49,7 +55,7 @@ void VeylaSession::restart() {
 }
 
 ChildProcess::Outcome VeylaSession::run(const QStringList& arguments) {
-    ChildProcess command(QStringLiteral(VEYLA_PROGRAM), arguments, environment);
+    ChildProcess command(program, arguments, environment);
     auto outcome = command.waitForOutcome();
     if (!outcome.status) throw std::runtime_error("a veyla command does not end");
     return outcome;
@@ -102,7 +108,7 @@ bool VeylaSession::isEveryMaskShownOnce() const {
     return maskWindowCount() == workspace.masks.size() &&
            std::all_of(workspace.masks.begin(), workspace.masks.end(), [&](const auto& mask) {
                const auto window = windowOf(mask.id);
-               return window && window->isMapped == mask.isVisible;
+               return window && window->isMapped == (mask.isVisible && workspace.areMasksVisible);
            });
 }
 
