@@ -6,6 +6,7 @@
 #include "Platform/Qt/Accessibility/AtSpiAnnouncer.h"
 #include "Platform/Qt/Accessibility/OverlayAccessibility.h"
 #include "Platform/Qt/AutostartEntry.h"
+#include "Platform/Qt/Instance/SignalWatcher.h"
 #include "Platform/Qt/PortalSettings.h"
 #include "Platform/Qt/QtApplicationHost.h"
 #include "Platform/Qt/QtMainLoop.h"
@@ -37,6 +38,9 @@ void prepareToolkit() {
     SessionBus::keepFromStarting();
     // Screen readers that come later would not find Veyla otherwise.
     qputenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
+    // The library for session managers ends the process when its manager dies, and a manager would
+    // restore Veyla beside the start at login.
+    qunsetenv("SESSION_MANAGER");
     // Masks are windows of the X server; the toolkit must be on the same one.
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "xcb");
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Veyla"));
@@ -74,7 +78,6 @@ VeylaApp::VeylaApp(const AppPlatform& platform, const Surroundings& surroundings
                           openSettings();
                       },
                       [this] { m_mainLoop.quit(0); }}),
-      m_signalWatcher([this] { m_mainLoop.quit(0); }),
       m_lookUpdate(m_mainLoop, [this] { updateLook(); }) {
     applyVeylaLook(m_wishes);
     m_lookUpdate.follow(surroundings.serverWishes, surroundings.portalWishes);
@@ -162,7 +165,10 @@ CommandResult runVeyla(InstanceLock& lock, VeylaApp::Start start, int argc, char
     const QApplication application(argc, argv);
     installAccessibleElements();
     StderrLog log;
+    if (!lock.errorText().isEmpty()) log.write(lock.errorText());
     QtMainLoop mainLoop;
+    // Around everything that shows masks, which no signal may leave without a process.
+    const SignalWatcher signalWatcher([&] { mainLoop.quit(0); });
     RemoteControlService remoteControl(log);
     int status = 0;
     {

@@ -8,7 +8,6 @@
 #include "Platform/PointerPresses.h"
 #include "Platform/Qt/Instance/InstanceLock.h"
 #include "Platform/Qt/Instance/RemoteControlService.h"
-#include "Platform/Qt/Instance/SignalWatcher.h"
 #include "Platform/TrayIcon.h"
 #include "Views/MenuBar/MenuBarExtra.h"
 #include "Views/TurnUpdate.h"
@@ -42,7 +41,7 @@ public:
     VeylaApp(const VeylaApp&) = delete;
     VeylaApp& operator=(const VeylaApp&) = delete;
 
-    /// Runs until a signal or another process asks it to end; returns the exit status.
+    /// Runs until the main loop is asked to quit; returns the exit status.
     int run();
 
 private:
@@ -64,7 +63,6 @@ private:
     std::unique_ptr<ContentView> m_dashboardWindow;
     std::unique_ptr<SettingsWindow> m_settingsWindow;
     Subscription m_remaking;
-    SignalWatcher m_signalWatcher;
     TurnUpdate m_lookUpdate;
 };
 

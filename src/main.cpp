@@ -1,9 +1,11 @@
 #include "App/CommandLine.h"
 #include "App/RemoteCommands.h"
+#include "App/WorkspaceLocation.h"
 #include "Platform/Qt/Applications/LocaleText.h"
 #include "Platform/Qt/Instance/InstanceLock.h"
 #include "Platform/Qt/Instance/RemoteControlClient.h"
 #include "Platform/Qt/SilentQtMessages.h"
+#include "Platform/WriteSignals.h"
 #include "VeylaApp.h"
 
 #include <QCoreApplication>
@@ -40,8 +42,11 @@ std::optional<CommandResult> takeWorkspace(InstanceLock& lock, Command command,
         if (outcome == InstanceLock::Outcome::taken) return std::nullopt;
         if (outcome == InstanceLock::Outcome::unusable)
             return CommandResult{ExitStatus::nothingToActOn, QString(), lock.errorText()};
-        if (command == Command::startInBackground) return alreadyRunning(lock.ownerPid());
+        if (command == Command::startInBackground && lock.isHeldByAnother())
+            return alreadyRunning(lock.ownerPid());
 
+        // One that starts in the background has nothing to ask for.
+        if (command == Command::startInBackground) continue;
         const CommandResult result = askRunningVeyla(lock, command, arguments, argc, argv);
         // One that was just ending did not answer, and has made room.
         if (result.status == ExitStatus::done || lock.isHeldByAnother()) return result;
@@ -72,9 +77,10 @@ int main(int argc, char** argv) {
     const Command command = std::get_if<CommandLine>(&parsed)->command;
 
     std::optional<SilentQtMessages> silence(std::in_place);
-    InstanceLock lock(InstanceLock::runtimeDirectory());
+    InstanceLock lock(workspaceDirectory(), InstanceLock::runtimeDirectory());
     const bool isStart = command == Command::start || command == Command::startInBackground;
     if (!isStart) return finish(askRunningVeyla(lock, command, arguments, argc, argv));
+    absorbWriteSignals();
     if (const auto result = takeWorkspace(lock, command, arguments, argc, argv))
         return finish(*result);
     silence.reset();

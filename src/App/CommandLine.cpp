@@ -84,6 +84,22 @@ QString helpRow(const QString& label, const char* summary) {
     return QStringLiteral("  %1  %2\n").arg(label, -21).arg(text(summary));
 }
 
+/// Takes out the argument with which session managers restore a program, and its value. Whether it
+/// was there.
+bool takeSession(QStringList& arguments) {
+    const QString option = QStringLiteral("-session");
+    const qsizetype end = arguments.indexOf(QStringLiteral("--"));
+    const auto isBeforeEnd = [&](qsizetype index) {
+        return index >= 0 && (end < 0 || index < end);
+    };
+    if (const qsizetype index = arguments.indexOf(option);
+        isBeforeEnd(index) && index + 1 < arguments.size()) {
+        arguments.remove(index, 2);
+        return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 std::variant<CommandLine, UsageError> parseCommandLine(const QStringList& arguments) {
@@ -93,11 +109,13 @@ std::variant<CommandLine, UsageError> parseCommandLine(const QStringList& argume
         if (*row.shortName != '\0') names.append(text(row.shortName));
         parser.addOption(QCommandLineOption(names));
     }
-    if (!parser.parse(QStringList{QStringLiteral("veyla")} + arguments)) return parserError(parser);
+    QStringList given = arguments;
+    const bool isRestored = takeSession(given);
+    if (!parser.parse(QStringList{QStringLiteral("veyla")} + given)) return parserError(parser);
     if (isSet(parser, helpOption)) return withoutArguments(Command::showHelp);
     if (isSet(parser, versionOption)) return withoutArguments(Command::showVersion);
 
-    const bool isBackground = isSet(parser, backgroundOption);
+    const bool isBackground = isRestored || isSet(parser, backgroundOption);
     const bool isJson = isSet(parser, jsonOption);
     QStringList rest = parser.positionalArguments();
     if (rest.isEmpty()) {

@@ -43,7 +43,8 @@ struct UsageError {
 };
 
 /// Reads the arguments that follow the program's name. Needs no application object. What follows
-/// "--" is never taken for an option.
+/// "--" is never taken for an option. "-session ID", with which sessions are restored that a former
+/// version was part of, is a start in the background.
 std::variant<CommandLine, UsageError> parseCommandLine(const QStringList& arguments);
 
 /// What `--help` prints, without the last line break.

@@ -2,6 +2,7 @@
 
 #include <QDebug>
 #include <QStringView>
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -10,6 +11,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr qsizetype longestQuotation = 80;
+/// Decimal digits of a 64-bit integer.
+constexpr qsizetype longestInteger = std::numeric_limits<qint64>::digits10 + 1;
 
 QLatin1StringView typeName(QJsonValue::Type type) {
     switch (type) {
@@ -63,7 +66,72 @@ bool isUuidText(QStringView text) {
     return true;
 }
 
+bool isNumberCharacter(char character) {
+    return (character >= '0' && character <= '9') || character == '.' || character == '-' ||
+           character == '+' || character == 'e' || character == 'E';
+}
+
+/// The number in plain digits, when it has a fraction or an exponent and yet is exactly a 64-bit
+/// integer; else empty. The digits count, not what a double makes of them.
+QByteArray plainInteger(QByteArrayView number) {
+    if (std::none_of(number.begin(), number.end(),
+                     [](char each) { return each == '.' || each == 'e' || each == 'E'; }))
+        return {};
+    const bool isNegative = number.startsWith('-');
+    const QByteArray text = number.sliced(isNegative ? 1 : 0).toByteArray().toLower();
+    const qsizetype exponentSign = text.indexOf('e');
+    const qsizetype point = text.indexOf('.');
+    QByteArray digits = exponentSign < 0 ? text : text.first(exponentSign);
+    qsizetype scale = 0;  // how many zeros follow the digits
+    if (point >= 0) {
+        scale = point + 1 - digits.size();
+        digits.remove(point, 1);
+    }
+    while (digits.startsWith('0'))
+        digits.remove(0, 1);
+    if (digits.isEmpty()) return "0";
+    while (digits.endsWith('0')) {
+        digits.chop(1);
+        ++scale;
+    }
+    bool isExponent = true;
+    if (exponentSign >= 0) {
+        const int exponent = text.sliced(exponentSign + 1).toInt(&isExponent);
+        scale += exponent;
+    }
+    if (!isExponent || scale < 0 || digits.size() + scale > longestInteger) return {};
+    const QByteArray plain = (isNegative ? "-" : "") + digits + QByteArray(scale, '0');
+    bool isInteger = false;
+    plain.toLongLong(&isInteger);
+    return isInteger ? plain : QByteArray();
+}
+
 }  // namespace
+
+QByteArray withPlainIntegers(const QByteArray& text) {
+    QByteArray plain;
+    qsizetype copied = 0;
+    bool isInString = false;
+    for (qsizetype index = 0; index < text.size(); ++index) {
+        const char character = text.at(index);
+        if (isInString && character == '\\') {
+            ++index;
+        } else if (character == '"') {
+            isInString = !isInString;
+        } else if (!isInString && (character == '-' || (character >= '0' && character <= '9'))) {
+            const qsizetype start = index;
+            while (index + 1 < text.size() && isNumberCharacter(text.at(index + 1)))
+                ++index;
+            const QByteArray integer =
+                plainInteger(QByteArrayView(text).sliced(start, index + 1 - start));
+            if (integer.isEmpty()) continue;
+            plain += QByteArrayView(text).sliced(copied, start - copied);
+            plain += integer;
+            copied = index + 1;
+        }
+    }
+    return copied == 0 ? text : plain + text.sliced(copied);
+}
 
 QString JsonPath::text() const {
     if (m_parent == nullptr) return u"document"_s;

@@ -55,6 +55,10 @@ private:
 /// The text in quotation marks, shortened when it is long, with control characters escaped.
 QString quotedForMessage(const QString& text);
 
+/// A valid JSON text with every number that is exactly a 64-bit integer in plain digits: 1000 for
+/// 1e3 or 1000.0. Qt rounds large ones that are written otherwise.
+QByteArray withPlainIntegers(const QByteArray& text);
+
 /// Reads the members of one object. Members that nobody asks for are ignored. Every reader throws
 /// JsonError, naming the member, when it is missing or does not fit; an optional member that is
 /// missing or null reads as absent.

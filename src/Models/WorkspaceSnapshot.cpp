@@ -22,9 +22,10 @@ WorkspaceSnapshot snapshotFromJson(const JsonObjectReader& reader) {
             .settings = reader.object("settings"_L1, AppSettings::fromJson)};
 }
 
-/// Qt reads an integer that it cannot hold as a double, and that as the nearest integer that it can
+/// Qt reads a number that it cannot hold as a double, and that as the nearest integer that it can
 /// hold: -9223372036854775809 becomes one that fits. Where that can happen, which is beyond the
-/// integers that every double holds exactly, a priority must be in the text digit for digit.
+/// integers that every double holds exactly, a priority must be in the text digit for digit. The
+/// text is one with plain integers.
 void requireExactPriorities(const QList<MaskPreset>& presets, const QByteArray& text) {
     constexpr qint64 firstInexact = qint64{1} << std::numeric_limits<double>::digits;
     constexpr QByteArrayView numberCharacters = "0123456789.eE";
@@ -40,7 +41,7 @@ void requireExactPriorities(const QList<MaskPreset>& presets, const QByteArray& 
                 const JsonPath list(root, "presets"_L1);
                 const JsonPath preset(list, index);
                 throw JsonError(JsonPath(preset, "priority"_L1),
-                                u"expected a 64-bit integer in plain digits"_s);
+                                u"expected a 64-bit integer, found a number between two"_s);
             }
             position += digits.size();
         } while (position < text.size() && numberCharacters.contains(text.at(position)));
@@ -52,14 +53,17 @@ void requireExactPriorities(const QList<MaskPreset>& presets, const QByteArray& 
 WorkspaceSnapshot WorkspaceSnapshot::fromJsonText(const QByteArray& text) {
     const JsonPath path;
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
+    QJsonDocument document = QJsonDocument::fromJson(text, &error);
     if (error.error != QJsonParseError::NoError) {
         throw JsonError(path, u"%1 at byte offset %2"_s.arg(error.errorString()).arg(error.offset));
     }
+    // The offset above is one in the text as it stands in the file.
+    const QByteArray plainText = withPlainIntegers(text);
+    if (plainText != text) document = QJsonDocument::fromJson(plainText);
     const QJsonValue root =
         document.isObject() ? QJsonValue(document.object()) : QJsonValue(document.array());
     WorkspaceSnapshot snapshot = snapshotFromJson(JsonObjectReader(root, path));
-    requireExactPriorities(snapshot.presets, text);
+    requireExactPriorities(snapshot.presets, plainText);
     return snapshot;
 }
 

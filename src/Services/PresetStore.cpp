@@ -1,11 +1,12 @@
 #include "Services/PresetStore.h"
 
 #include "Models/Json.h"
+#include "Platform/OwnFolder.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QScopeGuard>
+#include <QSet>
 #include <QTemporaryFile>
 #include <cerrno>
 #include <cstring>
@@ -18,9 +19,9 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-constexpr auto ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
-constexpr mode_t directoryMode = 0700;
-constexpr mode_t accessOfOthers = 0077;
+constexpr mode_t ownerOnly = S_IRUSR | S_IWUSR;
+/// As many as the system follows.
+constexpr int longestChainOfLinks = 40;
 
 /// Why the workspace could not be saved.
 struct SaveError {
@@ -28,70 +29,58 @@ struct SaveError {
     QString reason;
 };
 
-/// The reason of the call that has just failed.
-QString systemReason() {
-    return QString::fromLocal8Bit(std::strerror(errno));
+/// For the call that has just failed.
+[[noreturn]] void throwSystemError(const QString& path) {
+    throw SaveError{path, QString::fromLocal8Bit(std::strerror(errno))};
 }
 
-/// As above for a call of Qt's, to be used with errno cleared before that call: Qt reports a full
-/// disk as "Unknown error", while what Qt refuses by itself leaves no errno.
-QString systemReason(const QFileDevice& file) {
-    return errno != 0 ? systemReason() : file.errorString();
-}
-
-/// Makes a new or replaced entry of the folder survive a crash of the machine. Without a result,
-/// since some file systems cannot do it and the entry is there already.
-void syncDirectory(const QString& directory) {
-    const int descriptor =
-        ::open(QFile::encodeName(directory).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0) return;
-    ::fsync(descriptor);
-    ::close(descriptor);
-}
-
-/// Makes the folder, and those missing above it, for the user alone.
-void makeDirectory(const QString& directory) {
-    const QByteArray path = QFile::encodeName(directory);
-    const QString parent = QFileInfo(directory).path();
-    int failed = ::mkdir(path.constData(), directoryMode);
-    if (failed != 0 && errno == ENOENT && parent != directory) {
-        makeDirectory(parent);
-        failed = ::mkdir(path.constData(), directoryMode);
+/// What a chain of links ends at, which may not exist yet; the path itself when it is no link.
+QString withoutLinks(const QString& path) {
+    QString target = path;
+    for (int length = 0; QFileInfo(target).isSymLink(); ++length) {
+        if (length == longestChainOfLinks) {
+            errno = ELOOP;
+            throwSystemError(path);
+        }
+        target = QFileInfo(target).symLinkTarget();
     }
-    if (failed == 0) {
-        syncDirectory(parent);
-    } else if (errno != EEXIST) {
-        throw SaveError{directory, systemReason()};
-    }
+    return target;
 }
 
-/// Takes the access of others away from a folder that was there before.
-void restrictToOwner(const QString& directory) {
-    const QByteArray path = QFile::encodeName(directory);
-    struct stat status {};
-    if (::stat(path.constData(), &status) != 0) throw SaveError{directory, systemReason()};
-    if (!S_ISDIR(status.st_mode)) {
-        errno = ENOTDIR;
-        throw SaveError{directory, systemReason()};
+bool writeWhole(int descriptor, QByteArrayView bytes) {
+    while (!bytes.isEmpty()) {
+        const ssize_t count = ::write(descriptor, bytes.data(), size_t(bytes.size()));
+        if (count >= 0) {
+            bytes = bytes.sliced(count);
+        } else if (errno != EINTR) {
+            return false;
+        }
     }
-    // A folder that belongs to someone else cannot be changed; the document is private even so.
-    if ((status.st_mode & accessOfOthers) != 0) {
-        ::chmod(path.constData(), status.st_mode & ALLPERMS & ~accessOfOthers);
-    }
+    return true;
 }
 
-/// Replaces the file by one with these bytes, or throws SaveError and leaves it as it was.
+/// Replaces the file, also one that may not be written to, by one with these bytes, or throws
+/// SaveError and leaves it as it was. The owner of the workspace is the only one to write, so the
+/// new file has a fixed name until it takes its place, and what a killed process left of one is
+/// replaced, too.
 void replaceFile(const QString& path, const QByteArray& bytes) {
-    QSaveFile file(path);
-    file.setDirectWriteFallback(false);
-    errno = 0;
-    const bool isWritten = file.open(QIODevice::WriteOnly) && file.setPermissions(ownerOnly) &&
-                           file.write(bytes) == bytes.size() && file.flush() &&
-                           ::fsync(file.handle()) == 0;
-    // QSaveFile synchronises too, but takes no notice of a failure: an error that the disk reports
-    // late would then replace a good document by a broken one.
-    if (!isWritten || !file.commit()) throw SaveError{path, systemReason(file)};
-    syncDirectory(QFileInfo(path).canonicalPath());
+    const QString target = withoutLinks(path);
+    const QByteArray name = QFile::encodeName(target);
+    const QByteArray unfinished = name + ".new";
+    ::unlink(unfinished.constData());
+    const int descriptor =
+        ::open(unfinished.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, ownerOnly);
+    if (descriptor < 0) throwSystemError(path);
+    const bool isWritten = writeWhole(descriptor, bytes) && ::fsync(descriptor) == 0;
+    const int reason = errno;
+    ::close(descriptor);
+    errno = reason;
+    if (!isWritten || ::rename(unfinished.constData(), name.constData()) != 0) {
+        const SaveError error{path, QString::fromLocal8Bit(std::strerror(errno))};
+        ::unlink(unfinished.constData());
+        throw error;
+    }
+    syncFolder(QFileInfo(target).path());
 }
 
 /// The bytes of a regular file, or nothing when it cannot be read to its end.
@@ -118,7 +107,22 @@ void createFile(const QString& path, const QByteArray& bytes) {
     // A rename of Qt's never replaces a file.
     if (::fsync(file.handle()) != 0 || !file.rename(path)) return;
     file.setAutoRemove(false);
-    syncDirectory(QFileInfo(path).path());
+    syncFolder(QFileInfo(path).path());
+}
+
+/// Gives a mask that has the id of an earlier one an id of its own: by one id, the two would share
+/// a window and a frame, and what the second should cover would be seen. Returns their names.
+QStringList separateMasks(QList<ScreenMask>& masks) {
+    QSet<QUuid> ids;
+    QStringList separated;
+    for (ScreenMask& mask : masks) {
+        if (ids.contains(mask.id)) {
+            mask.id = QUuid::createUuid();
+            separated.append(mask.name);
+        }
+        ids.insert(mask.id);
+    }
+    return separated;
 }
 
 }  // namespace
@@ -130,7 +134,12 @@ std::optional<WorkspaceSnapshot> PresetStore::loadWorkspace() {
     const std::optional<QByteArray> text = readFile(workspacePath());
     if (!text) return std::nullopt;
     try {
-        return WorkspaceSnapshot::fromJsonText(*text);
+        WorkspaceSnapshot snapshot = WorkspaceSnapshot::fromJsonText(*text);
+        const auto separated = separateMasks(snapshot.masks);
+        for (const QString& name : separated)
+            m_log.write(u"Veyla gave the mask "_s + quotedForMessage(name) +
+                        u" an id of its own, since an earlier one has the same"_s);
+        return snapshot;
     } catch (const JsonError& error) {
         m_log.write(u"Veyla failed to decode workspace (will use defaults): "_s + error.message());
         createFile(backupPath(), *text);
@@ -143,7 +152,9 @@ void PresetStore::saveWorkspace(const WorkspaceSnapshot& snapshot) {
         m_log.write(u"Veyla failed to save workspace: "_s + reason);
     };
     try {
-        makeDirectory(m_directory);
+        if (const auto error = makeOwnFolder(m_directory))
+            throw SaveError{error->path, error->reason};
+        // One of somebody else's stays as it is; the document is private even so.
         restrictToOwner(m_directory);
         replaceFile(workspacePath(), snapshot.toJsonText());
     } catch (const SaveError& error) {

@@ -1,5 +1,6 @@
 #include "desktop/VeylaTest.h"
 
+#include <QLocalServer>
 #include <csignal>
 
 using namespace Qt::Literals::StringLiterals;
@@ -59,4 +60,31 @@ TEST_F(Lifetime, EverySignalToEndAndQuitLeaveNothing) {
         EXPECT_EQ(process->standardError().constData(), QByteArray());
         EXPECT_TRUE(waitUntil([&] { return maskWindowCount() == 0; }));
     }
+}
+
+TEST_F(Lifetime, MoreSignalsDoNotCutTheEndShort) {
+    for (int round = 0; round < 5; ++round) {
+        start();
+        process->sendSignal(SIGTERM);
+        EXPECT_TRUE(waitUntil([&] {
+            process->sendSignal(SIGHUP);
+            process->sendSignal(SIGINT);
+            return !process->isRunning();
+        }));
+        EXPECT_EQ(process->exitStatus(), 0);
+        EXPECT_TRUE(waitUntil([&] { return maskWindowCount() == 0; })) << "masks without a process";
+    }
+}
+
+TEST_F(Lifetime, NoSessionManagerRestoresItOrTakesItAlong) {
+    QLocalServer manager;
+    const QString address = desktop.home().path() + u"/manager"_s;
+    ASSERT_TRUE(manager.listen(address));
+    environment.insert(u"SESSION_MANAGER"_s, u"local/here:"_s + address);
+    startArguments = QStringList{u"-session"_s, u"10a4_0"_s};
+    start();
+    EXPECT_FALSE(manager.hasPendingConnections());
+    manager.close();
+    EXPECT_TRUE(isCovered());
+    EXPECT_FALSE(status()[u"dashboardVisible"].toBool(true));
 }

@@ -1,5 +1,6 @@
 #include "Platform/Qt/Instance/InstanceLock.h"
 #include "Platform/Qt/Instance/RemoteControlService.h"
+#include "support/FileSizeLimit.h"
 #include "support/Files.h"
 #include "support/RecordingSystemLog.h"
 #include "support/desktop/ChildProcess.h"
@@ -9,6 +10,9 @@
 
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -17,6 +21,8 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <optional>
+#include <sys/stat.h>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -54,7 +60,7 @@ protected:
 
     Ended run(const QStringList& arguments) { return start(arguments)->waitForOutcome(); }
 
-    InstanceLock lock() const { return InstanceLock(home.runtimeFolder()); }
+    InstanceLock lock() const { return {workspaceFolder, home.runtimeFolder()}; }
 
     QJsonObject status() {
         const Ended ended = run({u"status"_s, u"--json"_s});
@@ -63,6 +69,7 @@ protected:
     }
 
     TemporaryHome home;
+    QString workspaceFolder = home.dataFolder() + u"/Veyla"_s;
     QProcessEnvironment environment = home.environment();
     DBusSession bus{home, environment};
 };
@@ -172,6 +179,82 @@ TEST_F(RemoteControlTest, ARunningProgramThatNoBusReachesKeepsTheWorkspace) {
     EXPECT_EQ(ended.error.count('\n'), 1) << ended.error.constData();
 }
 
+TEST_F(RemoteControlTest, NeitherAnotherRuntimeDirectoryNorACleanUpGivesTheWorkspaceTwoOwners) {
+    const auto veyla = startVeyla();
+    EXPECT_EQ(status()[u"pid"].toInteger(), veyla->pid());
+    const QByteArray already = u"Veyla is already running (pid %1).\n"_s.arg(veyla->pid()).toUtf8();
+    environment.insert(u"TMPDIR"_s, home.path());
+    const QProcessEnvironment usual = environment;
+    for (const auto& directory : {home.cacheFolder(), u"/proc/nowhere"_s, QString()}) {
+        SCOPED_TRACE(directory.toStdString());
+        environment.insert(u"XDG_RUNTIME_DIR"_s, directory);
+        EXPECT_EQ(run({}), (Ended{0, already, {}}));
+        EXPECT_EQ(run({u"--background"_s}), (Ended{0, already, {}}));
+    }
+    ASSERT_TRUE(QFile::remove(home.runtimeFolder() + u"/app.veyla.Veyla.lock"_s));
+    ASSERT_TRUE(QFile::remove(workspaceFolder + u"/workspace.lock"_s));
+    environment = usual;
+    EXPECT_EQ(run({}), (Ended{0, already, {}}));
+    EXPECT_EQ(run({u"--background"_s}), (Ended{0, "Veyla is already running.\n", {}}));
+    environment.remove(u"DBUS_SESSION_BUS_ADDRESS"_s);
+    environment.insert(u"XDG_RUNTIME_DIR"_s, home.cacheFolder());
+    EXPECT_EQ(run({}),
+              (Ended{1, {}, "The running Veyla cannot be reached: there is no session bus.\n"}));
+    EXPECT_TRUE(veyla->isRunning());
+}
+
+TEST_F(RemoteControlTest, ARuntimeDirectoryThatOthersCanWriteToIsNotUsed) {
+    const QString open = home.path() + u"/open"_s;
+    InstanceLock ofSomebodyElse(home.stateFolder(), open);
+    ASSERT_TRUE(QDir().mkdir(open));
+    ASSERT_EQ(::chmod(QFile::encodeName(open).constData(), 01777), 0);
+    ASSERT_EQ(ofSomebodyElse.take(), InstanceLock::Outcome::taken);
+    environment.insert(u"TMPDIR"_s, home.path());
+    environment.insert(u"XDG_RUNTIME_DIR"_s, open);
+    const auto veyla = startVeyla();
+    EXPECT_EQ(status()[u"pid"].toInteger(), veyla->pid());
+}
+
+TEST_F(RemoteControlTest, NothingThatCannotBeWrittenEndsIt) {
+    // The second one's log goes to a pipe that nobody reads.
+    for (const auto& redirection : {u""_s, u"2> >(exit)"_s}) {
+        SCOPED_TRACE(redirection.toStdString());
+        ChildProcess veyla(
+            u"bash"_s,
+            {u"-c"_s, u"exec \"$0\" --background "_s + redirection, QStringLiteral(VEYLA_PROGRAM)},
+            environment);
+        const QString document = workspaceFolder + u"/workspace.json"_s;
+        const auto masksInFile = [&] {
+            return QJsonDocument::fromJson(readFile(document))[u"masks"].toArray().size();
+        };
+        ASSERT_TRUE(waitUntil([&] { return lock().isHeldByAnother(); }));
+        const qsizetype before = status()[u"masks"].toArray().size();
+        ASSERT_TRUE(waitUntil([&] { return QFile::exists(document); }));
+        const QByteArray signals =
+            shellOutput(u"/proc/%1"_s.arg(veyla.pid()), u"awk '/SigIgn/ { print $2 }' status"_s);
+        EXPECT_EQ(signals.toULongLong(nullptr, 16) & (1ULL << (SIGPIPE - 1)), 0U);
+        EXPECT_EQ(signals.toULongLong(nullptr, 16) & (1ULL << (SIGXFSZ - 1)), 0U);
+        {
+            const FileSizeLimit limit(500, veyla.pid());
+            const auto changed = [&] { return QFileInfo(workspaceFolder).lastModified(); };
+            const QDateTime lastChange = changed();
+            EXPECT_EQ(run({u"create-mask"_s}), (Ended{0, {}, {}}));
+            // A save begins with a new file, and fails at its first bytes.
+            EXPECT_TRUE(waitUntil([&] { return changed() != lastChange; }));
+            EXPECT_EQ(status()[u"masks"].toArray().size(), before + 1);
+            EXPECT_EQ(masksInFile(), before);
+        }
+        EXPECT_EQ(run({u"create-mask"_s}), (Ended{0, {}, {}}));
+        EXPECT_TRUE(waitUntil([&] { return masksInFile() == before + 2; }));
+        veyla.sendSignal(SIGTERM);
+        const Ended ended = veyla.waitForOutcome();
+        EXPECT_EQ(ended.status, 0);
+        const QString line =
+            u"Veyla failed to save workspace: "_s + document + u": File too large\n"_s;
+        EXPECT_EQ(ended.error, redirection.isEmpty() ? line.toUtf8() : QByteArray());
+    }
+}
+
 TEST_F(RemoteControlTest, ASignalThatWasIgnoredAtTheStartStaysIgnored) {
     ChildProcess veyla(u"sh"_s,
                        {u"-c"_s, u"trap '' HUP; exec \"$0\""_s, QStringLiteral(VEYLA_PROGRAM)},
@@ -199,7 +282,7 @@ protected:
 
     QByteArray previousAddress = qgetenv("DBUS_SESSION_BUS_ADDRESS");
     bool isAddressSet = qputenv("DBUS_SESSION_BUS_ADDRESS", bus.address().toUtf8());
-    InstanceLock held{home.runtimeFolder()};
+    InstanceLock held{workspaceFolder, home.runtimeFolder()};
     RecordingSystemLog log;
     std::unique_ptr<SessionBus> observer = std::make_unique<SessionBus>(u"observer"_s);
     RemoteControlService service{log};
@@ -251,42 +334,61 @@ TEST_F(RemoteControlServiceTest, AnAnswerOfAnotherVersionIsNotBelieved) {
 
 TEST(InstanceLockTest, IsHeldByOneAndFreeWhenThatOneIsGone) {
     const TemporaryHome home;
-    InstanceLock first(home.runtimeFolder());
-    InstanceLock second(home.runtimeFolder());
-    EXPECT_FALSE(second.isHeldByAnother());
-    ASSERT_EQ(first.take(), InstanceLock::Outcome::taken);
-    EXPECT_EQ(first.take(), InstanceLock::Outcome::taken);
-    EXPECT_EQ(second.take(), InstanceLock::Outcome::heldByAnother);
-    EXPECT_EQ(second.ownerPid(), QCoreApplication::applicationPid());
-    EXPECT_FALSE(first.isHeldByAnother());
-    first.release();
-    EXPECT_EQ(second.ownerPid(), std::nullopt);
-    EXPECT_EQ(second.take(), InstanceLock::Outcome::taken);
+    const QString folder = home.dataFolder() + u"/Veyla"_s;
+    InstanceLock first(folder, home.runtimeFolder());
+    const std::pair<QString, QString> others[]{{folder, home.runtimeFolder()},
+                                               {folder, home.cacheFolder()},
+                                               {folder, QString()},
+                                               {home.stateFolder(), home.runtimeFolder()}};
+    for (const auto& [workspace, runtime] : others) {
+        InstanceLock second(workspace, runtime);
+        EXPECT_FALSE(second.isHeldByAnother());
+        ASSERT_EQ(first.take(), InstanceLock::Outcome::taken);
+        EXPECT_EQ(first.take(), InstanceLock::Outcome::taken);
+        EXPECT_EQ(second.take(), InstanceLock::Outcome::heldByAnother);
+        EXPECT_EQ(second.ownerPid(), QCoreApplication::applicationPid());
+        EXPECT_FALSE(first.isHeldByAnother());
+        first.release();
+        EXPECT_EQ(second.ownerPid(), std::nullopt);
+        EXPECT_EQ(second.take(), InstanceLock::Outcome::taken);
+        EXPECT_EQ(first.errorText() + second.errorText(), QString());
+    }
 }
 
-TEST(InstanceLockTest, WhatIsInTheFileDoesNotMatter) {
+TEST(InstanceLockTest, WhatIsInTheFilesDoesNotMatter) {
     for (const QByteArray& content :
          {QByteArray(), QByteArray("1\n"), QByteArray("junk"),
           QByteArray::number(QCoreApplication::applicationPid()) + "\nand more\n"}) {
         const TemporaryHome home;
-        const QString path = home.runtimeFolder() + u"/app.veyla.Veyla.lock"_s;
-        writeFile(path, content);
-        InstanceLock lock(home.runtimeFolder());
+        const QStringList paths{home.runtimeFolder() + u"/app.veyla.Veyla.lock"_s,
+                                home.dataFolder() + u"/workspace.lock"_s};
+        for (const QString& path : paths)
+            writeFile(path, content);
+        InstanceLock lock(home.dataFolder(), home.runtimeFolder());
         EXPECT_FALSE(lock.isHeldByAnother());
         EXPECT_EQ(lock.take(), InstanceLock::Outcome::taken);
-        EXPECT_EQ(readFile(path), QByteArray::number(QCoreApplication::applicationPid()) + '\n');
+        for (const QString& path : paths)
+            EXPECT_EQ(readFile(path),
+                      QByteArray::number(QCoreApplication::applicationPid()) + '\n');
     }
 }
 
-TEST(InstanceLockTest, SaysWhyItCannotBeUsed) {
+TEST(InstanceLockTest, SaysWhatItCannotLockAndDoesWithWhatItCan) {
     const TemporaryHome home;
-    const QString folder = home.runtimeFolder();
-    ASSERT_TRUE(QFile::link(folder + u"/elsewhere"_s, folder + u"/app.veyla.Veyla.lock"_s));
-    for (const QString& directory : {QString(), u"/proc/nowhere"_s, folder}) {
-        SCOPED_TRACE(directory.toStdString());
-        InstanceLock lock(directory);
-        EXPECT_EQ(lock.take(), InstanceLock::Outcome::unusable);
-        EXPECT_FALSE(lock.errorText().isEmpty());
+    const QString folder = home.dataFolder();
+    ASSERT_TRUE(QFile::link(folder + u"/elsewhere"_s, folder + u"/workspace.lock"_s));
+    const struct {
+        QString workspace;
+        QString runtime;
+        InstanceLock::Outcome expected;
+    } cases[]{{u"/proc/nowhere"_s, {}, InstanceLock::Outcome::unusable},
+              {u"/proc/nowhere"_s, home.runtimeFolder(), InstanceLock::Outcome::taken},
+              {folder, {}, InstanceLock::Outcome::taken}};
+    for (const auto& [workspace, runtime, expected] : cases) {
+        SCOPED_TRACE(workspace.toStdString());
+        InstanceLock lock(workspace, runtime);
+        EXPECT_EQ(lock.take(), expected);
+        EXPECT_TRUE(lock.errorText().contains(workspace + u"/workspace.lock: "_s));
     }
     EXPECT_FALSE(QFile::exists(folder + u"/elsewhere"_s));
 }

@@ -1,4 +1,5 @@
 #include "Platform/Qt/AutostartEntry.h"
+#include "Platform/WriteSignals.h"
 #include "desktop/DashboardTest.h"
 #include "support/FileSizeLimit.h"
 #include "support/Files.h"
@@ -221,6 +222,7 @@ TEST(AutostartEntry, IsReadAndWrittenAsDesktopsDo) {
     }
     ASSERT_TRUE(QFile::rename(path, target) && QFile::link(target, path));
     writeFile(target, "[Desktop Entry]\nHidden=true\n");
+    absorbWriteSignals();
     {
         const FileSizeLimit none(0);
         EXPECT_NE(entry.setEnabled(true), std::nullopt);

@@ -10,8 +10,16 @@
 
 using namespace Qt::Literals::StringLiterals;
 
+namespace {
+
+// Before the tests take the environment of their own desktop.
+const QString program = qEnvironmentVariable("VEYLA_TEST_PROGRAM", QStringLiteral(VEYLA_PROGRAM));
+
+}  // namespace
+
 VeylaSession::VeylaSession(const DesktopSession::Options& options)
-    : desktop(options),
+    : programPath(program),
+      desktop(options),
       environment(desktop.environment()),
       probe(desktop.displayName()),
       input(desktop.displayName()),
@@ -48,7 +56,7 @@ void VeylaSession::restart() {
 }
 
 ChildProcess::Outcome VeylaSession::run(const QStringList& arguments) {
-    ChildProcess command(QStringLiteral(VEYLA_PROGRAM), arguments, environment);
+    ChildProcess command(programPath, arguments, environment);
     auto outcome = command.waitForOutcome();
     if (!outcome.status) throw std::runtime_error("a veyla command does not end");
     return outcome;
@@ -101,7 +109,7 @@ bool VeylaSession::isEveryMaskShownOnce() const {
     return maskWindowCount() == workspace.masks.size() &&
            std::all_of(workspace.masks.begin(), workspace.masks.end(), [&](const auto& mask) {
                const auto window = windowOf(mask.id);
-               return window && window->isMapped == mask.isVisible;
+               return window && window->isMapped == (mask.isVisible && workspace.areMasksVisible);
            });
 }
 

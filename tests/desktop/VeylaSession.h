@@ -57,11 +57,11 @@ public:
     /// Ends the program by command; its exit status, or nothing when it does not end.
     std::optional<int> quit();
 
+    QString programPath;
     DesktopSession desktop;
     /// For the program; changes count from the next start on.
     QProcessEnvironment environment;
     WorkspaceSnapshot workspace;
-    QString programPath = QStringLiteral(VEYLA_PROGRAM);
     /// What the program is started with. The dashboard stays away from tests of masks.
     QStringList startArguments{QStringLiteral("--background")};
     XProbe probe;

@@ -7,6 +7,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
+#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -247,6 +248,8 @@ TEST_F(UpdateTest, HandsOverAGoodReleaseAndKeepsNoOther) {
     offerGoodRelease();
     for (const auto& name : {u"/old.deb"_s, u"/half.part"_s})
         writeFile(setup.packageFolder + name, {});
+    const auto everybody = QFile::Permissions(0x7777);
+    ASSERT_TRUE(QFile::setPermissions(setup.packageFolder, everybody));
     start();
     EXPECT_EQ(keptFiles(), QStringList{u"old.deb"_s});
     check();
@@ -254,6 +257,8 @@ TEST_F(UpdateTest, HandsOverAGoodReleaseAndKeepsNoOther) {
     EXPECT_EQ(keptFiles(), QStringList{u"veyla_1.2.deb"_s});
     EXPECT_EQ(opened, QStringList{user.packagePath});
     EXPECT_EQ(contentsOfOwnFile(user.packagePath), goodPackage);
+    EXPECT_EQ(QFile::permissions(setup.packageFolder) & QFile::Permissions(0x0077),
+              QFile::Permissions());
     canOpen = false;
     check();
     EXPECT_EQ(install().last(), u"not opened 1.2: "_s);
@@ -269,7 +274,9 @@ TEST_F(UpdateTest, HandsOverAGoodReleaseAndKeepsNoOther) {
     setup.packageFolder = u"/proc/nowhere"_s;
     start();
     check();
-    EXPECT_EQ(install().last(), u"cannot keep 1.2: The folder /proc/nowhere cannot be made."_s);
+    EXPECT_EQ(install().last(),
+              u"cannot keep 1.2: The folder /proc/nowhere cannot be made: "
+              "No such file or directory."_s);
 }
 
 TEST_F(UpdateTest, CancellingLeavesNothing) {

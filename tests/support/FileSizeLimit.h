@@ -1,25 +1,24 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/resource.h>
+#include <sys/types.h>
 
-/// No file may grow beyond this while it lives.
+/// No file may grow beyond this while it lives, as far as a process writes to it. Beyond it the
+/// system sends SIGXFSZ, which ends a process that does nothing about it.
 class FileSizeLimit {
 public:
-    explicit FileSizeLimit(rlim_t bytes) : m_handler(::signal(SIGXFSZ, SIG_IGN)) {
-        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &m_old), 0);
+    /// Of this process, unless another one is named.
+    explicit FileSizeLimit(rlim_t bytes, pid_t process = 0) : m_process(process) {
+        EXPECT_EQ(::prlimit(process, RLIMIT_FSIZE, nullptr, &m_old), 0);
         const rlimit limit{bytes, m_old.rlim_max};
-        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+        EXPECT_EQ(::prlimit(process, RLIMIT_FSIZE, &limit, nullptr), 0);
     }
-    ~FileSizeLimit() {
-        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &m_old), 0);
-        ::signal(SIGXFSZ, m_handler);
-    }
+    ~FileSizeLimit() { EXPECT_EQ(::prlimit(m_process, RLIMIT_FSIZE, &m_old, nullptr), 0); }
     FileSizeLimit(const FileSizeLimit&) = delete;
     FileSizeLimit& operator=(const FileSizeLimit&) = delete;
 
 private:
+    pid_t m_process;
     rlimit m_old{};
-    void (*m_handler)(int);
 };

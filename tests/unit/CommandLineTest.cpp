@@ -21,6 +21,9 @@ TEST(CommandLineTest, ReadsWhatMakesSense) {
     } cases[] = {
         {{}, only(Command::start)},
         {{u"--background"_s}, only(Command::startInBackground)},
+        {{u"-session"_s, u"10a4_0"_s}, only(Command::startInBackground)},
+        {{u"--background"_s, u"-session"_s, u"--help"_s}, only(Command::startInBackground)},
+        {{u"apply-preset"_s, u"--"_s, u"-session"_s}, preset(u"-session"_s)},
         {{u"create-mask"_s}, only(Command::createMask)},
         {{u"toggle-masks"_s}, only(Command::toggleMasks)},
         {{u"show-masks"_s}, only(Command::showMasks)},
@@ -58,6 +61,7 @@ TEST(CommandLineTest, SaysInOneLineWhatIsWrong) {
     } cases[] = {
         {{u"--bogus"_s}, u"Unknown option \"--bogus\"."_s},
         {{u"-x"_s}, u"Unknown option \"-x\"."_s},
+        {{u"-session"_s}, u"Unknown option \"-s\"."_s},
         {{u"-hx"_s}, u"Unknown option \"-x\"."_s},
         {{u"--help"_s, u"--bogus"_s}, u"Unknown option \"--bogus\"."_s},
         {{u"--a\nb"_s}, u"Unknown option \"--a\\nb\"."_s},

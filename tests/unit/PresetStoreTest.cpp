@@ -1,3 +1,4 @@
+#include "Platform/WriteSignals.h"
 #include "Services/PresetStore.h"
 #include "support/FileSizeLimit.h"
 #include "support/RecordingSystemLog.h"
@@ -5,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QSet>
 #include <QTemporaryDir>
 #include <cerrno>
 #include <cstring>
@@ -154,6 +156,22 @@ TEST_F(PresetStoreTest, KeepsACopyOfADocumentThatItCannotDecode) {
     EXPECT_TRUE(QFileInfo(backup).isSymLink());
 }
 
+TEST_F(PresetStoreTest, GivesMasksThatShareAnIdOneOfTheirOwn) {
+    WorkspaceSnapshot workspace = sampleWorkspace();
+    workspace.masks.append(workspace.masks[0]);
+    workspace.masks.append(workspace.masks[0]);
+    writeDocument(workspace.toJsonText());
+    auto loaded = store.loadWorkspace().value();
+    QSet<QUuid> ids;
+    for (qsizetype index = 0; index < loaded.masks.size(); ++index) {
+        ids.insert(loaded.masks[index].id);
+        if (index >= 2) loaded.masks[index].id = workspace.masks[0].id;
+    }
+    EXPECT_EQ(ids.size(), 4);
+    EXPECT_EQ(loaded, workspace);
+    EXPECT_EQ(log.lines.size(), 2);
+}
+
 TEST_F(PresetStoreTest, TreatsWhatIsNoRegularFileAsNoWorkspace) {
     ASSERT_TRUE(QDir().mkpath(folder));
     ASSERT_EQ(::mkfifo(QFile::encodeName(document).constData(), 0600), 0);
@@ -166,8 +184,7 @@ TEST_F(PresetStoreTest, TreatsWhatIsNoRegularFileAsNoWorkspace) {
     EXPECT_EQ(store.loadWorkspace(), std::nullopt);
     EXPECT_EQ(log.lines, QStringList());
     store.saveWorkspace(sampleWorkspace());
-    EXPECT_EQ(log.lines,
-              QStringList(saveFailure + document + u": Filename refers to a directory"_s));
+    EXPECT_EQ(log.lines, QStringList(saveFailure + document + u": Is a directory"_s));
 }
 
 TEST_F(PresetStoreTest, ReportsNumbersThatCannotBeWrittenAndKeepsTheOldDocument) {
@@ -241,6 +258,17 @@ TEST_F(PresetStoreFaultTest, FolderThatCannotBeWrittenTo) {
     expectSuccess();
 }
 
+TEST_F(PresetStoreFaultTest, ReadOnlyDocumentIsReplaced) {
+    store.saveWorkspace(sampleWorkspace());
+    writeBytes(document + u".new"_s, "left by a process that was killed");
+    OrdinaryUser::own(root.path());
+    const OrdinaryUser user;
+    setMode(document, 0400);
+    expectSuccess();
+    EXPECT_EQ(modeOf(document), 0600U);
+    EXPECT_EQ(namesIn(folder), QStringList(u"workspace.json"_s));
+}
+
 TEST_F(PresetStoreFaultTest, FolderThatCannotBeMade) {
     OrdinaryUser::own(root.path());
     const OrdinaryUser user;
@@ -261,6 +289,7 @@ TEST_F(PresetStoreFaultTest, FileInPlaceOfTheFolder) {
 
 TEST_F(PresetStoreFaultTest, WriteThatStopsHalfway) {
     store.saveWorkspace(sampleWorkspace());
+    absorbWriteSignals();
     {
         const FileSizeLimit limit(16 * 1024);
         expectFailure(document, u"File too large"_s);

@@ -196,7 +196,7 @@ TEST(WorkspaceJson, RejectsValuesOutOfRange) {
          "settings.hotkeyBindings.toggleAll.keyCode: expected an integer from 0 to 4294967295, "
          "found ",
          {"-1", "4294967296", "45.5"}},
-        {priority, priorityRange, {"0.5", "1e+300"}},
+        {priority, priorityRange, {"0.5", "1e+300", "1e-05"}},
         // At the edges of what is accepted.
         {uuid,
          {},
@@ -210,11 +210,13 @@ TEST(WorkspaceJson, RejectsValuesOutOfRange) {
             EXPECT_EQ(errorOfReading(sampleWithText(path, value)),
                       error.empty() ? error : error + value.toStdString());
 
-    const std::string rounded = "presets[0].priority: expected a 64-bit integer in plain digits";
+    const std::string rounded =
+        "presets[0].priority: expected a 64-bit integer, found a number between two";
     const std::tuple<Path, QByteArray, std::string> others[]{
         {priority, "9223372036854775808", priorityRange + "9223372036854776000"},
         {priority, "-9223372036854775809", rounded},
-        {priority, "9007199254740993.0", rounded},
+        {priority, "9007199254740993.5", rounded},
+        {priority, "1e19", priorityRange + "1e+19"},
         {maskPath, "[]", "masks[1]: expected an object, found an array"},
         {bindingPath, "null", "settings.hotkeyBindings.toggleAll: expected an object, found null"},
         {{u"settings"_s, u"hotkeyBindings"_s, u"no action, kept"_s},
@@ -290,10 +292,32 @@ TEST(WorkspaceJson, WritesEveryMemberAsItWasRead) {
             EXPECT_GT(readCount, 0);
         }
     }
-    // No double holds this integer.
-    WorkspaceSnapshot exact = sampleWorkspace();
-    exact.presets[0].priority = 9007199254740993;
-    EXPECT_EQ(WorkspaceSnapshot::fromJsonText(exact.toJsonText()), exact);
+    // However they are written, and also where no double holds them.
+    const std::pair<QByteArray, qint64> integers[]{
+        {"9007199254740993", 9007199254740993},
+        {"9007199254740993.0", 9007199254740993},
+        {"1e18", 1'000'000'000'000'000'000},
+        {"1000E-3", 1},
+        {"-9.223372036854775807e+18", -std::numeric_limits<qint64>::max()},
+        {"0.0120e3", 12},
+        {"-0.0", 0},
+        {"0e999999999999", 0},
+        {"9223372036854775807.000e0", std::numeric_limits<qint64>::max()},
+    };
+    for (const auto& [text, value] : integers) {
+        const QByteArray document = sampleWithText(presetPath + Path{u"priority"_s}, text);
+        SCOPED_TRACE(text.constData());
+        ASSERT_EQ(errorOfReading(document), "");
+        const auto read = WorkspaceSnapshot::fromJsonText(document);
+        EXPECT_EQ(read.presets[0].priority, value);
+        EXPECT_EQ(WorkspaceSnapshot::fromJsonText(read.toJsonText()), read);
+    }
+    // What stands in quotation marks is no number.
+    WorkspaceSnapshot quoting = sampleWorkspace();
+    quoting.masks[0].name = uR"(\" 1.0, \\" 1e3)"_s;
+    quoting.presets[0].priority = 1000;
+    const QByteArray text = quoting.toJsonText().replace("\"priority\": 1000", "\"priority\": 1e3");
+    EXPECT_EQ(WorkspaceSnapshot::fromJsonText(text), quoting);
 }
 
 TEST(WorkspaceJson, KeepsToTheFormOfDocumentsThatPeopleHave) {

@@ -1,7 +1,7 @@
 #include "Platform/Qt/AutostartEntry.h"
 
 #include "Models/ApplicationIdentifier.h"
-#include "Platform/Qt/OwnFolder.h"
+#include "Platform/OwnFolder.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -74,7 +74,8 @@ std::optional<QString> AutostartEntry::setEnabled(bool isEnabled) {
 
 std::optional<QString> AutostartEntry::write() {
     const QString folder = QFileInfo(m_path).path();
-    if (!makeOwnFolder(folder)) return failure(u"make the folder"_s, folder, qt_error_string());
+    if (const auto error = makeOwnFolder(folder))
+        return failure(u"make the folder"_s, error->path, error->reason);
     // Not QSaveFile: through a link it would replace what that points at, such as the program's own
     // entry among the applications. The name is none that desktops read.
     QTemporaryFile file(m_path + u".XXXXXX"_s);

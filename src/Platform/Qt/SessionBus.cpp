@@ -1,5 +1,7 @@
 #include "Platform/Qt/SessionBus.h"
 
+#include "Platform/OwnFolder.h"
+
 #include <QDBusError>
 #include <QFile>
 
@@ -12,9 +14,11 @@ QString sessionBusAddress() {
     QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
     if (address == QLatin1StringView(noBus)) return QString();
     if (!address.isEmpty()) return address;
-    const QString socket = qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/bus");
-    // The path is quoted as addresses of the bus want it.
-    return QFile::exists(socket)
+    const QString folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    const QString socket = folder + QStringLiteral("/bus");
+    // Who else can write to the folder could listen there and give orders. The path is quoted as
+    // addresses of the bus want it.
+    return isOwnFolder(folder) && QFile::exists(socket)
                ? QStringLiteral("unix:path=") +
                      QString::fromLatin1(QFile::encodeName(socket).toPercentEncoding("/"))
                : QString();

@@ -13,7 +13,8 @@ inline constexpr const char* interfaceName = applicationIdentifier.data();
 }  // namespace RemoteControl
 
 /// A connection of its own to the session bus that is there, closed at the end. It never starts a
-/// bus: without $DBUS_SESSION_BUS_ADDRESS it tries the user's bus in $XDG_RUNTIME_DIR only.
+/// bus: without $DBUS_SESSION_BUS_ADDRESS it tries the user's bus in $XDG_RUNTIME_DIR only, unless
+/// others can write there.
 class SessionBus {
 public:
     /// Without a bus, the toolkit and other libraries of this process start one for themselves as

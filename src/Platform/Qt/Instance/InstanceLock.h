@@ -2,24 +2,35 @@
 
 #include <QString>
 #include <optional>
+#include <vector>
 
-/// Decides which process owns the workspace: the one that holds a lock on a file in the runtime
-/// directory. The kernel keeps the lock and drops it with the process, however that ends, so what
-/// a dead process left behind never counts. The file itself stays; it holds the owner's process
-/// id, for others to name.
+/// Decides which process owns the workspace: the one that holds every one of these locks that can
+/// be had. The kernel keeps them and drops them with the process, however that ends, so what a dead
+/// process left behind never counts.
+/// - The folder of the workspace, so that no clean-up takes the lock away.
+/// - The file "workspace.lock" in it, since a lock of a folder does not reach the other computers
+///   that share a home over the network.
+/// - A file in the runtime directory, which lets one Veyla run in a session, whatever its
+/// workspace,
+///   and serves alone where the file system of the workspace has no locks.
+/// The files stay; they hold the owner's process id, for others to name.
 class InstanceLock {
 public:
     enum class Outcome { taken, heldByAnother, unusable };
 
-    /// $XDG_RUNTIME_DIR when it can be used, else what Qt falls back to, else empty.
+    /// $XDG_RUNTIME_DIR when it is the user's and nobody else can write to it, else what Qt falls
+    /// back to, which is checked in the same way, else empty.
     static QString runtimeDirectory();
 
-    explicit InstanceLock(const QString& directory);
+    /// The folder of the workspace is made when the lock is taken. An empty runtime directory does
+    /// without the file there.
+    InstanceLock(const QString& workspaceDirectory, const QString& runtimeDirectory);
     InstanceLock(const InstanceLock&) = delete;
     InstanceLock& operator=(const InstanceLock&) = delete;
     ~InstanceLock();
 
-    /// Never waits. `unusable` when the file cannot be made or locked; `errorText` tells why.
+    /// Never waits. `unusable` when nothing can be locked; `errorText` tells why. Another process
+    /// that asks just then may be taken for an owner, so ask `isHeldByAnother` before giving up.
     Outcome take();
 
     /// Lets another process take the lock. Done at the latest when the object dies.
@@ -33,14 +44,16 @@ public:
     /// or when it has only just taken it.
     std::optional<qint64> ownerPid() const;
 
-    /// One line, empty unless the last `take` was `unusable`.
+    /// One line: why the last `take` was `unusable`, or what it has `taken` in spite of. Else
+    /// empty.
     const QString& errorText() const { return m_errorText; }
 
 private:
-    Outcome unusable(int errorNumber);
-    void writePid() const;
+    bool isTaken() const { return !m_held.empty(); }
 
-    QString m_path;
+    QString m_folder;
+    QString m_workspaceFile;
+    QString m_runtimeFile;
     QString m_errorText;
-    int m_file = -1;
+    std::vector<int> m_held;
 };

@@ -55,9 +55,6 @@ SignalWatcher::SignalWatcher(std::function<void()> onSignal)
 }
 
 SignalWatcher::~SignalWatcher() {
-    for (const int signal : watchedSignals) {
-        if (!isIgnored(signal)) setHandler(signal, SIG_DFL);
-    }
     signalEvent = -1;
     m_notifier.setEnabled(false);
     close(m_event);

@@ -1,8 +1,9 @@
 #include "Platform/Qt/Updates/PackageFolder.h"
 
-#include "Platform/Qt/OwnFolder.h"
+#include "Platform/OwnFolder.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryFile>
@@ -38,8 +39,15 @@ void PackageFolder::removeUnfinished() const {
 }
 
 QString PackageFolder::keep(const QByteArray& package, const QUrl& address, QString* error) const {
-    if (!makeOwnFolder(m_path)) {
-        *error = u"The folder %1 cannot be made."_s.arg(m_path);
+    if (const auto folderError = makeOwnFolder(m_path)) {
+        *error = u"The folder %1 cannot be made: %2."_s.arg(folderError->path, folderError->reason);
+        return {};
+    }
+    // Who can write to the folder, or to the one above, can put another package in the place of the
+    // verified one before the installer reads it.
+    for (const QString& folder : {QFileInfo(m_path).path(), m_path}) {
+        if (restrictToOwner(folder)) continue;
+        *error = u"The folder %1 does not belong to this user alone."_s.arg(folder);
         return {};
     }
     removeFiles(u"*"_s);

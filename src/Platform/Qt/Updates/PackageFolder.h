@@ -17,8 +17,9 @@ public:
     /// Removes what a process that ended while it was writing has left.
     void removeUnfinished() const;
 
-    /// Puts a package there for the user alone, named after the address that it came from, and
-    /// removes those from before. The path of it, or empty, with the reason in `error`.
+    /// Refuses a folder, or one above it, that others can write to and that cannot be kept from
+    /// them. Else puts a package there for the user alone, named after the address that it came
+    /// from, and removes those from before. The path of it, or empty, with the reason in `error`.
     QString keep(const QByteArray& package, const QUrl& address, QString* error) const;
 
 private:

@@ -1,6 +1,6 @@
 #include "Platform/Qt/Updates/UpdateMemory.h"
 
-#include "Platform/Qt/OwnFolder.h"
+#include "Platform/OwnFolder.h"
 
 #include <QDir>
 #include <QFile>
@@ -58,7 +58,7 @@ bool UpdateMemory::save() const {
     QJsonObject object{{u"automaticChecks"_s, m_checksAutomatically}};
     if (m_lastCheck) object.insert(u"lastCheck"_s, qint64(m_lastCheck->time_since_epoch().count()));
     if (!m_skippedVersion.isEmpty()) object.insert(u"skippedVersion"_s, m_skippedVersion);
-    if (!makeOwnFolder(QFileInfo(m_path).path())) return false;
+    if (makeOwnFolder(QFileInfo(m_path).path())) return false;
     QSaveFile file(m_path);
     file.setDirectWriteFallback(false);
     return file.open(QIODevice::WriteOnly) &&

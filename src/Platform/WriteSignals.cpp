@@ -1,0 +1,21 @@
+#include "Platform/WriteSignals.h"
+
+#include <csignal>
+
+namespace {
+
+void absorb(int) {}
+
+}  // namespace
+
+void absorbWriteSignals() {
+    for (const int signal : {SIGPIPE, SIGXFSZ}) {
+        struct sigaction former = {};
+        if (sigaction(signal, nullptr, &former) != 0 || former.sa_handler == SIG_IGN) continue;
+        struct sigaction action = {};
+        action.sa_handler = absorb;
+        action.sa_flags = SA_RESTART;
+        sigemptyset(&action.sa_mask);
+        sigaction(signal, &action, nullptr);
+    }
+}
