@@ -70,7 +70,7 @@ VeylaApp::VeylaApp(const AppPlatform& platform, const Surroundings& surroundings
       m_state(platform),
       m_menuCommands(m_state, [this] { openSettings(); }),
       m_commands(m_state, [this] { m_mainLoop.quit(0); }),
-      m_menuBarExtra(m_state, m_mainLoop, surroundings.trayIcon, surroundings.pointerPresses,
+      m_menuBarExtra(m_state, m_mainLoop, platform.trayIcon, surroundings.pointerPresses,
                      {[this] {
                           // Without a window until now, the program may be in no task bar.
                           m_applicationHost.setActivationPolicy(ActivationPolicy::regular);
@@ -190,8 +190,8 @@ CommandResult runVeyla(InstanceLock& lock, VeylaApp::Start start, int argc, char
                                  mainLoop);
         VeylaApp app({mainLoop, desktop->screens(), desktop->overlaySurfaces(), announcer, log,
                       applicationHost, desktop->hotKeyCenter(), desktop->workspace(), urlLoader,
-                      updateFramework, workspaceDirectory()},
-                     {trayIcon, desktop->pointerPresses(), loginItem, desktop->settings().wishes(),
+                      updateFramework, trayIcon, workspaceDirectory()},
+                     {desktop->pointerPresses(), loginItem, desktop->settings().wishes(),
                       portalSettings.wishes()},
                      remoteControl, start);
         desktop->overlaySurfaces().releaseLeftovers();

@@ -23,9 +23,8 @@ class VeylaApp {
 public:
     enum class Start { withDashboard, inBackground };
 
-    /// What the windows and the tray icon need from the platform.
+    /// What the windows need from the platform.
     struct Surroundings {
-        TrayIcon& trayIcon;
         PointerPresses& pointerPresses;
         LoginItem& loginItem;
         /// From the two places where desktops tell of them.

@@ -47,7 +47,8 @@ std::optional<HotkeyAction> AppState::hotkeyConflict(const QString& bindingKey,
 }
 
 bool AppState::isMenuBarOnly() const {
-    return settings.newest().menuBarOnlyMode && !settings.newest().showDashboardOnLaunch;
+    return settings.newest().menuBarOnlyMode && !settings.newest().showDashboardOnLaunch &&
+           !m_platform.trayIcon.isWithoutTray().newest();
 }
 
 void AppState::applyActivationPolicy() {
@@ -74,6 +75,7 @@ void AppState::setOpenWindowAction(std::function<void(QLatin1StringView)> action
 }
 
 void AppState::openDashboardWindow() {
+    m_isDashboardHeldBack = false;
     m_platform.applicationHost.setActivationPolicy(ActivationPolicy::regular);
     m_platform.applicationHost.activateIgnoringOtherApps();
     if (const auto window = dashboardWindow()) {
@@ -107,6 +109,7 @@ void AppState::startedWithoutDashboard() {
 void AppState::handleDashboardWindowAppearance() {
     if (std::exchange(m_hasHandledInitialDashboardWindow, true)) return;
     applyActivationPolicy();
+    m_isDashboardHeldBack = isMenuBarOnly() && !m_platform.trayIcon.isInTray().newest();
     isMenuBarOnly() ? hideDashboardWindow() : openDashboardWindow();
     if (isHelpPresented.newest() || isWhatsNewPresented.newest() || hasCompletedOnboarding.newest())
         return;

@@ -83,8 +83,15 @@ void AppState::renameGroup(const QUuid& groupID, const QString& name) {
 }
 
 void AppState::deleteGroup(const QUuid& groupID) {
-    updateMasksInGroup(groupID, [](ScreenMask& mask) { mask.groupID.reset(); });
-    groups.update([&](QList<MaskGroup>& all) {
-        all.removeIf([&](const MaskGroup& group) { return group.id == groupID; });
+    QSet<QUuid> members;
+    updateMasksInGroup(groupID, [&](ScreenMask& mask) {
+        members.insert(mask.id);
+        mask.groupID.reset();
     });
+    RemovedItems<MaskGroup> removed;
+    groups.update(
+        [&](QList<MaskGroup>& all) { removed = RemovedItems<MaskGroup>::take(groupID, all); });
+    if (removed.items().isEmpty()) return;
+    becomeUndoable({UndoableAct::Kind::deletedGroup, removed.items().first().name},
+                   [this, removed, members] { restoreGroup(removed, members); });
 }

@@ -16,7 +16,7 @@ auto findMask(Masks& masks, const QUuid& maskID) {
 // The visible frame of the screen that the pointer is on, else of the main screen.
 std::optional<Rect> pointerScreenVisibleFrame(const Screens& screens, Point pointer) {
     for (const ScreenInfo& screen : screens.screens())
-        if (screen.frame.contains(pointer)) return screen.visibleFrame;
+        if (screen.frame.containsPointer(pointer)) return screen.visibleFrame;
     const auto main = screens.mainScreen();
     return main ? std::optional(main->visibleFrame) : std::nullopt;
 }
@@ -120,11 +120,14 @@ void AppState::deleteSelectedMask() {
     const auto mask = activeMask();
     const QString name = mask ? mask->name : QStringLiteral("Mask");
 
-    masks.update([&](QList<ScreenMask>& all) {
-        all.removeIf([&](const ScreenMask& each) { return each.id == *selection; });
-    });
+    RemovedItems<ScreenMask> removed;
+    masks.update(
+        [&](QList<ScreenMask>& all) { removed = RemovedItems<ScreenMask>::take(*selection, all); });
     const auto& remaining = masks.newest();
     selectedMaskID.set(remaining.isEmpty() ? std::nullopt : std::optional(remaining.first().id));
+    if (mask)
+        becomeUndoable({UndoableAct::Kind::deletedMask, name},
+                       [this, removed] { restoreMask(removed); });
     announce(QStringLiteral("Deleted ") + name);
 }
 

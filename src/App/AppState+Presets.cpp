@@ -48,6 +48,7 @@ void AppState::beginSavePresetFlow() {
     presetDraftName.set(suggestedPresetName(presets.newest().size() + 1));
     presetDraftTrigger.set(manualTrigger());
     presetDraftAutoApply.set(false);
+    presetDraftTarget.set(std::nullopt);
     isSavePresetPresented.set(true);
 }
 
@@ -62,6 +63,7 @@ void AppState::cancelSavePresetFlow() {
     presetDraftName.set(QString());
     presetDraftTrigger.set(manualTrigger());
     presetDraftAutoApply.set(false);
+    presetDraftTarget.set(std::nullopt);
 }
 
 void AppState::confirmSavePreset() {
@@ -73,8 +75,10 @@ void AppState::confirmSavePreset() {
     preset.masks = masks.newest();
     preset.autoApply = presetDraftAutoApply.newest();
     if (preset.autoApply) {
-        preset.targetAppName = currentFrontmostAppName.newest();
-        preset.targetBundleIdentifier = currentFrontmostBundleIdentifier.newest();
+        const auto application = presetDraftApplication();
+        if (!application) return;
+        preset.targetAppName = application->localizedName;
+        preset.targetBundleIdentifier = application->bundleIdentifier;
     }
     preset.priority = nextPresetPriority();
     presets.update([&](QList<MaskPreset>& all) { all.prepend(preset); });
@@ -94,6 +98,13 @@ qint64 AppState::nextPresetPriority() const {
 }
 
 void AppState::applyPreset(const MaskPreset& preset) {
+    loadPreset(preset, LoadedBy::user);
+}
+
+void AppState::loadPreset(const MaskPreset& preset, LoadedBy loadedBy) {
+    const QString name = preset.name;
+    const QList<ScreenMask> former = masks.newest();
+    const auto formerSelection = selectedMaskID.newest();
     QList<ScreenMask> copies = preset.masks;
     for (ScreenMask& copy : copies) {
         copy.id = QUuid::createUuid();
@@ -103,6 +114,7 @@ void AppState::applyPreset(const MaskPreset& preset) {
     masks.set(std::move(copies));
     selectedMaskID.set(firstID);
     areMasksVisible.set(true);
+    noteLoad(name, loadedBy, former, formerSelection);
 }
 
 template <typename Mutate>
@@ -122,12 +134,22 @@ void AppState::updatePreset(const QUuid& presetID, const QString& name, const QS
 }
 
 void AppState::bindPresetToCurrentApp(const QUuid& presetID) {
-    bindPreset(presetID,
-               {currentFrontmostAppName.newest(), currentFrontmostBundleIdentifier.newest()});
+    if (const auto application = applicationInFront()) bindPreset(presetID, *application);
 }
 
-// Whoever chooses in the dashboard has the dashboard in front, so that the application in front is
-// not the one that is meant.
+// Whoever binds in the dashboard has the dashboard in front. Bound to Veyla, a preset would
+// replace the masks each time that its own windows come to the front.
+std::optional<RunningApplication> AppState::applicationInFront() const {
+    if (currentFrontmostBundleIdentifier.newest() == QString(applicationIdentifier))
+        return std::nullopt;
+    return RunningApplication{currentFrontmostAppName.newest(),
+                              currentFrontmostBundleIdentifier.newest()};
+}
+
+std::optional<RunningApplication> AppState::presetDraftApplication() const {
+    return presetDraftTarget.newest() ? presetDraftTarget.newest() : applicationInFront();
+}
+
 QList<RunningApplication> AppState::applicationsToBind() const {
     QList<RunningApplication> applications = m_platform.workspace.runningApplications();
     applications.removeIf([](const RunningApplication& each) {
@@ -186,9 +208,13 @@ void AppState::movePreset(const QUuid& presetID, qsizetype offset) {
 }
 
 void AppState::deletePreset(const QUuid& presetID) {
-    presets.update([&](QList<MaskPreset>& all) {
-        all.removeIf([&](const MaskPreset& preset) { return preset.id == presetID; });
-    });
+    RemovedItems<MaskPreset> removed;
+    presets.update(
+        [&](QList<MaskPreset>& all) { removed = RemovedItems<MaskPreset>::take(presetID, all); });
+    if (removed.items().isEmpty()) return;
+    becomeUndoable(
+        {UndoableAct::Kind::deletedPreset, removed.items().first().name},
+        [this, removed] { presets.update([&](QList<MaskPreset>& all) { removed.putBack(all); }); });
 }
 
 void AppState::applyMatchingAutoProfile(const std::optional<QString>& bundleIdentifier) {
@@ -201,5 +227,5 @@ void AppState::applyMatchingAutoProfile(const std::optional<QString>& bundleIden
     const MaskPreset& best = bound.first();
     if (m_lastAutoAppliedPresetID == best.id) return;
     m_lastAutoAppliedPresetID = best.id;
-    applyPreset(best);
+    loadPreset(best, LoadedBy::itself);
 }

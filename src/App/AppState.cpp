@@ -46,8 +46,23 @@ void AppState::bind() {
                       hasCompletedOnboarding, settings);
     m_cancellables.keep(debounce(workspaceChanged, saveDelay, m_platform.mainLoop)
                             .subscribe([this](const auto&...) { saveWorkspace(); }));
-    m_cancellables.keep(settings.subscribe([this, isFirst = true](const AppSettings&) mutable {
-        if (!std::exchange(isFirst, false)) applyActivationPolicy();
+    followActivationPolicy();
+}
+
+void AppState::followActivationPolicy() {
+    // Any other setting may be changed in the dashboard, which must not hide for it.
+    using Deciding = std::pair<bool, bool>;
+    m_cancellables.keep(settings.subscribe(
+        [this, former = std::optional<Deciding>()](const AppSettings& current) mutable {
+            const Deciding deciding(current.menuBarOnlyMode, current.showDashboardOnLaunch);
+            const auto previous = std::exchange(former, deciding);
+            if (previous && previous != deciding) applyActivationPolicy();
+        }));
+    // A tray that goes away later, as one that starts again does, brings no window up.
+    m_cancellables.keep(m_platform.trayIcon.isInTray().subscribe(
+        [this](bool isInTray) { m_isDashboardHeldBack &= !isInTray; }));
+    m_cancellables.keep(m_platform.trayIcon.isWithoutTray().subscribe([this](bool isWithoutTray) {
+        if (isWithoutTray && m_isDashboardHeldBack) openDashboardWindow();
     }));
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "App/RemovedItems.h"
+#include "App/UndoableAct.h"
 #include "Models/AppSettings.h"
 #include "Models/ChangelogRelease.h"
 #include "Models/MaskGroup.h"
@@ -13,6 +15,7 @@
 #include "Platform/OverlaySurfaces.h"
 #include "Platform/Screens.h"
 #include "Platform/SystemLog.h"
+#include "Platform/TrayIcon.h"
 #include "Platform/UpdateFramework.h"
 #include "Platform/UrlLoader.h"
 #include "Platform/Workspace.h"
@@ -27,6 +30,7 @@
 #include "Services/UpdaterManager.h"
 
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QUuid>
 #include <chrono>
@@ -47,6 +51,7 @@ struct AppPlatform {
     Workspace& workspace;
     UrlLoader& urlLoader;
     UpdateFramework& updateFramework;
+    TrayIcon& trayIcon;
     /// The folder of the workspace document.
     QString workspaceDirectory;
     /// The version of the build, where it has one.
@@ -100,7 +105,12 @@ public:
     Published<QString> presetDraftName;
     Published<QString> presetDraftTrigger{QStringLiteral("Manual")};
     Published<bool> presetDraftAutoApply{false};
+    /// The application that was chosen for the draft; without one it is for the one in front.
+    Published<std::optional<RunningApplication>> presetDraftTarget;
     Published<bool> hasCompletedOnboarding{false};
+
+    /// What `undo` would undo. Each act is announced, also one that equals the last.
+    Published<std::optional<UndoableAct>> undoableAct;
 
     // Mirrored from the services.
     Published<QString> currentFrontmostAppName{QStringLiteral("Unknown App")};
@@ -138,6 +148,10 @@ public:
     /// minimum size.
     void resizeSelectedMask(double widthDelta, double heightDelta);
 
+    /// Gives back what the last deletion of a mask, a group or a preset, or the last load of a
+    /// preset over masks, has taken; what was changed since then stays.
+    void undo();
+
     // Groups. A mask is in the group that its `groupID` names.
     QList<ScreenMask> ungroupedMasks() const;
     QList<ScreenMask> masksInGroup(const QUuid& groupID) const;
@@ -158,15 +172,20 @@ public:
     /// Opens the sheet with fresh drafts; it ends with one of the next two.
     void beginSavePresetFlow();
     void cancelSavePresetFlow();
-    /// Saves all masks under the draft name. A blank name leaves the sheet open.
+    /// Saves all masks under the draft name. A blank name leaves the sheet open, as does automatic
+    /// application without an application to bind to.
     void confirmSavePreset();
     /// Replaces all masks with copies of the preset's, under new identities and in no group,
     /// selects the first and shows the masks.
     void applyPreset(const MaskPreset& preset);
     /// Trims both texts; a blank name changes nothing, a blank trigger becomes "Manual".
     void updatePreset(const QUuid& presetID, const QString& name, const QString& trigger);
+    /// The application in front; nothing while that is Veyla itself, which no preset is for.
+    std::optional<RunningApplication> applicationInFront() const;
+    /// What the draft will be bound to if it is to be applied automatically.
+    std::optional<RunningApplication> presetDraftApplication() const;
     /// From now on the preset is applied when the application that is in front now comes to the
-    /// front.
+    /// front. Does nothing while that is Veyla.
     void bindPresetToCurrentApp(const QUuid& presetID);
     /// The programs that run now and that a preset can be bound to, by name; Veyla itself is none.
     QList<RunningApplication> applicationsToBind() const;
@@ -240,6 +259,7 @@ private:
     void bind();
     void bindMonitors();
     void bindOverlays();
+    void followActivationPolicy();
     void saveWorkspace();
     void announce(const QString& message);
 
@@ -254,7 +274,17 @@ private:
     QString suggestedPresetName(qsizetype index) const;
     qint64 nextPresetPriority() const;
     void movePreset(const QUuid& presetID, qsizetype offset);
+    enum class LoadedBy { user, itself };
+    void loadPreset(const MaskPreset& preset, LoadedBy loadedBy);
     void applyMatchingAutoProfile(const std::optional<QString>& bundleIdentifier);
+
+    void becomeUndoable(UndoableAct act, std::function<void()> restore);
+    ScreenMask withoutLostGroup(ScreenMask mask) const;
+    void restoreMask(const RemovedItems<ScreenMask>& removed);
+    void restoreGroup(const RemovedItems<MaskGroup>& removed, const QSet<QUuid>& members);
+    void noteLoad(const QString& presetName, LoadedBy loadedBy, const QList<ScreenMask>& former,
+                  const std::optional<QUuid>& formerSelection);
+    void undoLoad(const QList<ScreenMask>& former, const std::optional<QUuid>& formerSelection);
 
     void performHotkey(HotkeyAction action);
     bool isMenuBarOnly() const;
@@ -275,7 +305,13 @@ private:
     ScreenShareMonitor m_screenShareMonitor;
 
     std::optional<QUuid> m_lastAutoAppliedPresetID;
+    // Gives back what the undoable act has taken.
+    std::function<void()> m_restore;
+    // As the last load of a preset left them.
+    QList<ScreenMask> m_loadedMasks;
     bool m_hasHandledInitialDashboardWindow = false;
+    // Hidden at the start, before it was known whether there is a tray to be reached by.
+    bool m_isDashboardHeldBack = false;
     mutable std::weak_ptr<HostWindow> m_cachedDashboardWindow;
     std::function<void(QLatin1StringView)> m_openWindowAction;
     Subscription m_onboardingStart;

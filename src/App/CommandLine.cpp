@@ -30,6 +30,7 @@ constexpr std::array commandRows{
     CommandRow{Command::toggleEditing, "toggle-editing", "", "lock or unlock editing on screen"},
     CommandRow{Command::toggleDashboard, "toggle-dashboard", "", "open or hide the dashboard"},
     CommandRow{Command::applyPreset, "apply-preset", "NAME", "replace the masks with a preset's"},
+    CommandRow{Command::undo, "undo", "", "undo the last deletion or loading"},
     CommandRow{Command::status, "status", "", "print what Veyla is doing"},
     CommandRow{Command::quit, "quit", "", "end the running Veyla"},
 };

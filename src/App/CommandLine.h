@@ -18,6 +18,7 @@ enum class Command {
     toggleEditing,
     toggleDashboard,
     applyPreset,
+    undo,
     status,
     quit,
     showHelp,

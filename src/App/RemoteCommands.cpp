@@ -58,6 +58,8 @@ CommandResult RemoteCommands::carryOut(const CommandLine& commandLine) {
             return toggleDashboard();
         case Command::applyPreset:
             return applyPreset(commandLine.presetName);
+        case Command::undo:
+            return undo();
         case Command::status:
             return reportStatus(commandLine.isJson);
         case Command::quit:
@@ -96,6 +98,13 @@ CommandResult RemoteCommands::applyPreset(const QString& name) {
     if (preset == presets.end())
         return nothingToActOn(QStringLiteral("No preset is named %1.").arg(quotedForMessage(name)));
     m_state.applyPreset(*preset);
+    return {};
+}
+
+CommandResult RemoteCommands::undo() {
+    if (!m_state.undoableAct.value())
+        return nothingToActOn(QStringLiteral("There is nothing to undo."));
+    m_state.undo();
     return {};
 }
 

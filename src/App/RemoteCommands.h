@@ -38,6 +38,7 @@ private:
     CommandResult setAreMasksVisible(bool areVisible);
     CommandResult toggleDashboard();
     CommandResult applyPreset(const QString& name);
+    CommandResult undo();
     CommandResult reportStatus(bool isJson) const;
 
     AppState& m_state;

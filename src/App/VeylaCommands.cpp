@@ -7,6 +7,16 @@ using namespace Qt::Literals::StringLiterals;
 VeylaCommands::VeylaCommands(AppState& state, std::function<void()> openSettings)
     : m_state(state), m_openSettings(std::move(openSettings)) {}
 
+std::vector<MenuCommand> VeylaCommands::editItems() const {
+    AppState& state = m_state;
+    const auto act = state.undoableAct.value();
+    return {{act ? u"Undo "_s + act->title() : u"Undo"_s,
+             {QKeySequence(Qt::CTRL | Qt::Key_Z)},
+             act.has_value(),
+             [&state] { state.undo(); },
+             true}};
+}
+
 std::vector<MenuCommand> VeylaCommands::items() const {
     AppState& state = m_state;
     const bool hasMask = state.activeMask().has_value();

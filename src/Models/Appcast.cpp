@@ -10,6 +10,8 @@ namespace {
 
 constexpr auto appcastNamespace = "http://www.andymatuschak.org/xml-namespaces/sparkle"_L1;
 constexpr auto ownSystem = "linux"_L1;
+/// What people can read in a sentence.
+constexpr qsizetype longestVersion = 60;
 
 class Reader {
 public:
@@ -74,6 +76,8 @@ private:
                 m_xml.skipCurrentElement();
             }
         }
+        item.shortVersion = item.shortVersion.simplified();
+        if (item.shortVersion.size() > longestVersion) item.shortVersion.clear();
         return item;
     }
 

@@ -25,7 +25,7 @@ struct AppcastEnclosure {
 struct AppcastItem {
     /// What decides which release is newer.
     QString version;
-    /// What people see in its place; empty when it is the same.
+    /// What people see in its place, on one line; empty when it is the same, or too long to see.
     QString shortVersion;
     QString title;
     /// Release notes, as plain text or HTML.

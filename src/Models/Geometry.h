@@ -42,6 +42,13 @@ struct Rect {
         return minX() <= point.x && point.x < maxX() && minY() <= point.y && point.y < maxY();
     }
 
+    /// Whether the pixel whose upper left corner the point is lies in the rectangle, as for a
+    /// pointer: the topmost row of pixels is at the maximum edge, and with y upward none is at the
+    /// bottom edge.
+    bool containsPointer(Point point) const {
+        return minX() <= point.x && point.x < maxX() && minY() < point.y && point.y <= maxY();
+    }
+
     /// The area shared with `other`, 0 when they do not overlap.
     double intersectionArea(const Rect& other) const {
         const double sharedWidth = std::min(maxX(), other.maxX()) - std::max(minX(), other.minX());

@@ -8,6 +8,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr auto digitLimit = 18;
+/// No version that anybody gave is longer; the shape takes its time for one that is.
+constexpr auto lengthLimit = 60;
 
 }  // namespace
 
@@ -16,6 +18,7 @@ std::optional<ReleaseVersion> ReleaseVersion::fromText(const QString& text) {
         uR"(^v?(\d+(?:\.\d+)*)(?:[-.]?([a-z]|(?<=-)\d)([a-z0-9.-]*))?(?:\+.*)?$)"_s,
         QRegularExpression::CaseInsensitiveOption);
     static const QRegularExpression partShape(u"\\d+|[a-z]+"_s);
+    if (text.size() > lengthLimit) return std::nullopt;
     const auto match = shape.match(text.trimmed());
     if (!match.hasMatch()) return std::nullopt;
 

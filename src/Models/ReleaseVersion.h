@@ -15,7 +15,8 @@
 /// what follows a "+" mean nothing.
 class ReleaseVersion {
 public:
-    /// Nothing when the text does not begin with a number, or a number has more than 18 digits.
+    /// Nothing when the text does not begin with a number, has more than 60 characters, or a number
+    /// in it has more than 18 digits.
     static std::optional<ReleaseVersion> fromText(const QString& text);
 
     bool isPrerelease() const { return !m_prerelease.isEmpty(); }

@@ -28,4 +28,7 @@ public:
     virtual void show(const Actions& actions) = 0;
     /// Whether a tray has the icon. False before `show`.
     virtual const Published<bool>& isInTray() const = 0;
+    /// Whether there is no tray to put the icon into. False until that is known, which may be
+    /// some time after `show`.
+    virtual const Published<bool>& isWithoutTray() const = 0;
 };

@@ -36,7 +36,7 @@ ContentView::ContentView(AppState& state, Scheduler& scheduler, const VeylaComma
     makeMenus(std::move(quit));
     m_menuUpdate.follow(state.masks, state.selectedMaskID, state.areMasksVisible,
                         state.isEditingEnabled, state.updaterManager().canCheckForUpdates(),
-                        m_dashboard->sheets().isPresenting);
+                        m_dashboard->sheets().isPresenting, state.undoableAct);
     updateMenu();
 }
 
@@ -48,15 +48,23 @@ void ContentView::makeMenus(std::function<void()> quit) {
     // Some desktops have no standard combination for it.
     file->addAction(u"&Quit Veyla"_s, QKeySequence(Qt::CTRL | Qt::Key_Q), this, std::move(quit));
 
-    QMenu* const menu = menuBar()->addMenu(u"&Veyla"_s);
-    for (const MenuCommand& item : m_commands.items()) {
+    m_editActions = addMenu(u"&Edit"_s, m_commands.editItems());
+    m_actions = addMenu(u"&Veyla"_s, m_commands.items());
+}
+
+std::vector<QAction*> ContentView::addMenu(const QString& title,
+                                           const std::vector<MenuCommand>& items) {
+    std::vector<QAction*> actions;
+    QMenu* const menu = menuBar()->addMenu(title);
+    for (const MenuCommand& item : items) {
         QAction* const action =
             item.isSeparator() ? menu->addSeparator() : menu->addAction(QString());
-        m_actions.push_back(action);
+        actions.push_back(action);
         if (item.isSeparator()) continue;
         action->setShortcuts(item.shortcuts);
         connect(action, &QAction::triggered, this, item.perform);
     }
+    return actions;
 }
 
 void ContentView::offerPanel(const Published<bool>& isInTray,
@@ -73,14 +81,18 @@ void ContentView::offerPanel(const Published<bool>& isInTray,
 // A sheet hides what the selected mask looks like, and a key meant for the sheet must not delete
 // it.
 void ContentView::updateMenu() {
-    const auto items = m_commands.items();
     const bool hasSheet = m_dashboard->sheets().isPresenting.value();
-    for (std::size_t index = 0; index < items.size(); ++index) {
-        if (items[index].isSeparator()) continue;
-        m_actions[index]->setText(items[index].title);
-        m_actions[index]->setEnabled(items[index].isEnabled &&
-                                     !(hasSheet && items[index].actsOnSelection));
-    }
+    const auto show = [&](const std::vector<QAction*>& actions,
+                          const std::vector<MenuCommand>& items) {
+        for (std::size_t index = 0; index < items.size(); ++index) {
+            if (items[index].isSeparator()) continue;
+            actions[index]->setText(menuTitle(items[index].title));
+            actions[index]->setEnabled(items[index].isEnabled &&
+                                       !(hasSheet && items[index].waitsForSheets));
+        }
+    };
+    show(m_editActions, m_commands.editItems());
+    show(m_actions, m_commands.items());
 }
 
 void ContentView::hideEvent(QHideEvent* event) {

@@ -32,6 +32,7 @@ protected:
 
 private:
     void makeMenus(std::function<void()> quit);
+    std::vector<QAction*> addMenu(const QString& title, const std::vector<MenuCommand>& items);
     void updateMenu();
 
     AppState& m_state;
@@ -41,6 +42,7 @@ private:
     DashboardView* m_dashboard;
     WhatsNewSheet m_whatsNew;
     QMenu* m_fileMenu = nullptr;
+    std::vector<QAction*> m_editActions;
     std::vector<QAction*> m_actions;
     TurnUpdate m_menuUpdate;
     Subscription m_panelOffer;

@@ -6,6 +6,7 @@
 #include "Views/Dashboard/PresetsSection.h"
 #include "Views/Dashboard/SettingsCard.h"
 #include "Views/Dashboard/SidebarView.h"
+#include "Views/Dashboard/UndoBar.h"
 #include "Views/Design/ApplicationLook.h"
 #include "Views/Design/Typography.h"
 #include "Views/Design/VeylaTheme.h"
@@ -66,11 +67,14 @@ DashboardView::DashboardView(AppState& state, Scheduler& scheduler)
     auto* const sidebar = new SidebarView(state, scheduler, m_anchors);
     sidebar->setFixedWidth(qRound(sidebarWidth * textScale()));
     m_detail->addWidget(m_emptyState);
-    auto* const layout = new QHBoxLayout(this);
+    auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(sidebar);
-    layout->addWidget(m_detail, 1);
+    auto* const panes = new QHBoxLayout;
+    panes->addWidget(sidebar);
+    panes->addWidget(m_detail, 1);
+    layout->addLayout(panes, 1);
+    layout->addWidget(new UndoBar(state, scheduler));
     m_sheetArea->raise();
     m_focusWatch = connect(qApp, &QApplication::focusChanged, this,
                            [this](const QWidget*, QWidget* now) { reveal(now); });

@@ -15,7 +15,7 @@ class QStackedWidget;
 class SheetArea;
 
 /// The content of the main window: the sidebar, the inspector of the selected mask or its empty
-/// state, the walkthrough over both, and sheets over everything.
+/// state, what can be undone at the foot, the walkthrough over these, and sheets over everything.
 class DashboardView final : public QWidget, public AccessibleElement {
 public:
     /// The references must outlive the view.

@@ -1,5 +1,7 @@
 #include "desktop/DashboardTest.h"
 
+#include "support/desktop/TrayPanel.h"
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -176,6 +178,8 @@ TEST_F(DashboardTest, NoWindowComesUnasked) {
     addMask({1100, 20, 160, 90});
     for (const bool isMenuBarOnly : {false, true}) {
         SCOPED_TRACE(isMenuBarOnly);
+        std::optional<TrayPanel> tray;
+        if (isMenuBarOnly) tray.emplace(desktop);
         workspace.settings.menuBarOnlyMode = isMenuBarOnly;
         startArguments = isMenuBarOnly ? QStringList() : QStringList(u"--background"_s);
         start();

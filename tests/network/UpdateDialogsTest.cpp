@@ -9,6 +9,7 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTest>
 
@@ -168,6 +169,13 @@ TEST_F(UpdateDialogsTest, NotesArePlainScrollAndLoadNothing) {
     EXPECT_TRUE(notes(longNotes).startsWith(
         u"New\n\nA bold word & more.\n\n• One\n• Two\n\nMore of it.\n\n"_s));
     EXPECT_FALSE(notes(longNotes).contains(QChar::ObjectReplacementCharacter));
+    // What is nested beyond reason would stop the program, and what is endless fill the memory.
+    for (const QString& endless : {u"<b>"_s.repeated(20'000), u"x "_s.repeated(500'000)}) {
+        const QString text = notes(u"Start "_s + endless + u"end"_s);
+        EXPECT_TRUE(text.startsWith(u"Start"_s) && text.endsWith(u'…')) << text.size();
+        EXPECT_LE(text.size(), 50'001);
+    }
+    EXPECT_FALSE(notes(longNotes).contains(u'…'));
     ASSERT_TRUE(isActive());
     auto* const box = shown<QPlainTextEdit>("update.text");
     ASSERT_GT(box->verticalScrollBar()->maximum(), 0);
@@ -176,6 +184,13 @@ TEST_F(UpdateDialogsTest, NotesArePlainScrollAndLoadNothing) {
     EXPECT_GT(box->verticalScrollBar()->value(), 0);
     press(Qt::Key_Tab);
     EXPECT_EQ(QApplication::focusWidget(), shown<QCheckBox>("update.automaticChecks"));
+}
+
+TEST_F(UpdateDialogsTest, TheWindowIsNeverLargerThanTheScreen) {
+    dialogs.showOutcome({Kind::checkFailed, u"1.2"_s, u"A reason. "_s.repeated(10'000), {}});
+    EXPECT_TRUE(window()->screen()->availableSize().expandedTo(window()->size()) ==
+                window()->screen()->availableSize())
+        << window()->height();
 }
 
 TEST_F(UpdateDialogsTest, ProgressIsShownAndCancelled) {

@@ -16,5 +16,6 @@ inline AppPlatform headlessPlatform(HeadlessDesktop& desktop, SystemLog& log,
             desktop.workspace,
             desktop.urlLoader,
             desktop.updateFramework,
+            desktop.trayIcon,
             workspaceDirectory};
 }

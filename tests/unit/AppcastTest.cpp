@@ -41,6 +41,7 @@ TEST(ReleaseVersion, PutsReleasesInTheOrderTheyWereMade) {
     for (const char* const text : {"", "v", "beta", "1.", "1..2", ".1", "1.0 beta", "-1", "1,2",
                                    "1234567890123456789", "1-1234567890123456789"})
         EXPECT_FALSE(ReleaseVersion::fromText(QString::fromLatin1(text)).has_value()) << text;
+    EXPECT_FALSE(ReleaseVersion::fromText(u"1.0"_s.repeated(30)).has_value());
 }
 
 QByteArray rss(const QByteArray& channel) {
@@ -100,6 +101,13 @@ TEST(Appcast, TellsWhyItCannotBeRead) {
         }
     }
     EXPECT_TRUE(Appcast::fromXml(rss("")).items.isEmpty());
+
+    // A name that fills the screen is none.
+    const auto items =
+        Appcast::fromXml(rss("<item><s:version>2</s:version><s:shortVersionString>" +
+                             QByteArray("Two ").repeated(1000) + "</s:shortVersionString></item>"))
+            .items;
+    EXPECT_EQ(items.first().displayVersion(), u"2"_s);
 }
 
 TEST(Appcast, OffersTheNewestReleaseThatIsMeantForTheUser) {

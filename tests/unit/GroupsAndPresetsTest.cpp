@@ -139,6 +139,25 @@ TEST_F(PresetsTest, MovingMakesPrioritiesAgreeWithTheOrderAndBindingMeansOne) {
                  presets()[1].targetBundleIdentifier);
 }
 
+TEST_F(PresetsTest, NoneIsBoundToVeylaByAccident) {
+    const QUuid id = save(u"a"_s);
+    activate(u"app.veyla.Veyla"_s);
+    state().bindPresetToCurrentApp(id);
+    EXPECT_FALSE(presets()[0].autoApply);
+
+    state().beginSavePresetFlow();
+    state().presetDraftAutoApply.set(true);
+    state().confirmSavePreset();
+    EXPECT_TRUE(state().isSavePresetPresented.value() && presets().size() == 1);
+    state().presetDraftTarget.set(RunningApplication{u"Zoom"_s, u"us.zoom.xos"_s});
+    state().confirmSavePreset();
+    ASSERT_EQ(presets().size(), 2);
+    EXPECT_EQ(presets()[0].targetAppName, u"Zoom"_s);
+    EXPECT_EQ(presets()[0].targetBundleIdentifier, u"us.zoom.xos"_s);
+    state().beginSavePresetFlow();
+    EXPECT_EQ(state().presetDraftApplication(), std::nullopt) << "fresh drafts";
+}
+
 TEST_F(PresetsTest, TheBestBoundPresetIsAppliedOnArrivalOnly) {
     const QString editor = u"org.example.Editor"_s;
     MaskPreset manual = bound(u"manual"_s, editor, 99);

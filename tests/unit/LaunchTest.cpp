@@ -229,7 +229,37 @@ TEST_F(LaunchTest, SettingsDecideWhetherTheDashboardStays) {
     EXPECT_EQ(host.log().last(), u"activated"_s);
     EXPECT_TRUE(m_window->isVisible());
     state().settings.update([](AppSettings& settings) { settings.defaultOpacity = 0.5; });
-    EXPECT_FALSE(m_window->isVisible()) << "every change applies the policy again";
+    EXPECT_TRUE(m_window->isVisible()) << "nothing that the policy depends on has changed";
+    setMenuBarOnly(true, true);
+    setMenuBarOnly(true, false);
+    EXPECT_FALSE(m_window->isVisible());
+}
+
+TEST_F(LaunchTest, WithoutATrayTheOnlyWindowStays) {
+    WorkspaceSnapshot workspace;
+    workspace.settings = AppSettings::defaults();
+    workspace.settings.menuBarOnlyMode = true;
+    workspace.settings.showDashboardOnLaunch = false;
+    workspace.hasCompletedOnboarding = true;
+    auto& tray = desktop().trayIcon;
+    launch(workspace, u"2.0"_s);
+    openDashboard();
+    EXPECT_FALSE(m_window->isVisible()) << "before the tray is known";
+    tray.setHasTray(false);
+    tray.show({[](const QRect&) {}, {}});
+    EXPECT_TRUE(m_window->isVisible());
+    EXPECT_EQ(desktop().applicationHost.policy(), ActivationPolicy::regular);
+    for (const bool showsDashboard : {true, false})
+        state().settings.update(
+            [&](AppSettings& settings) { settings.showDashboardOnLaunch = showsDashboard; });
+    EXPECT_TRUE(m_window->isVisible());
+
+    // A tray that is there and starts again brings nothing up.
+    tray.setHasTray(true);
+    launch(workspace, u"2.0"_s);
+    openDashboard();
+    tray.setHasTray(false);
+    EXPECT_FALSE(m_window->isVisible());
 }
 
 TEST_F(LaunchTest, TheDashboardIsTheFirstWindowThatCanBeOne) {

@@ -85,11 +85,14 @@ TEST_F(RemoteCommandsTest, AppliesTheFirstPresetOfExactlyThatName) {
     EXPECT_EQ(state().selectedMaskID.value(), masks()[0].id);
     EXPECT_TRUE(state().areMasksVisible.value());
     EXPECT_EQ(state().activeOverlayCount.value(), 2);
+    state().deleteSelectedMask();
+    perform({u"undo"_s});
+    EXPECT_EQ(masks().size(), 2);
 
     const QUuid earlierID = masks()[0].id;
     perform({u"apply-preset"_s, u"Work"_s});
     EXPECT_NE(masks().first().id, earlierID);
-    EXPECT_TRUE(announcements().isEmpty());
+    EXPECT_EQ(announcements(), (QStringList{u"Deleted First"_s, u"Restored First"_s}));
 }
 
 TEST_F(RemoteCommandsTest, ApplyingAnEmptyPresetLeavesNothingSelected) {
@@ -105,6 +108,8 @@ TEST_F(RemoteCommandsTest, TellsInOneLineWhatItCannotDo) {
     EXPECT_EQ(commands.perform({u"apply-preset"_s, u" Work\n"_s}),
               (CommandResult{ExitStatus::nothingToActOn, QString(),
                              u"No preset is named \" Work\\n\"."_s}));
+    EXPECT_EQ(commands.perform({u"undo"_s}), (CommandResult{ExitStatus::nothingToActOn, QString(),
+                                                            u"There is nothing to undo."_s}));
     EXPECT_EQ(commands.perform({u"explode"_s}).status, ExitStatus::wrongUsage);
 
     desktop().applicationHost.closeWindows();

@@ -92,6 +92,15 @@ TEST_F(PresetsTest, ARunningApplicationIsChosenAlthoughVeylaIsInFront) {
     click(part("preset-choose", id));
     EXPECT_TRUE(openMenu()->actions().at(1)->isChecked());
     QApplication::activePopupWidget()->close();
+
+    click(part("preset-manual", id));
+    desktop().workspace.activate({u"Veyla"_s, u"app.veyla.Veyla"_s});
+    settle();
+    click(part("preset-bind", id));
+    EXPECT_FALSE(preset().autoApply);
+    ASSERT_NE(openMenu(), nullptr);
+    choose(openMenu(), u"Browser"_s);
+    EXPECT_EQ(preset().targetBundleIdentifier, u"browser");
 }
 
 TEST_F(PresetsTest, EditingSavesOrLeavesThePresetAsItIs) {

@@ -179,6 +179,28 @@ TEST_F(SheetsTest, APresetIsSavedFromItsDrafts) {
     EXPECT_EQ(state().presets.value().first().targetAppName, std::nullopt);
 }
 
+TEST_F(SheetsTest, APresetIsBoundToTheApplicationThatIsChosenAndNamed) {
+    desktop().workspace.launch({u"Zoom"_s, u"us.zoom.xos"_s});
+    desktop().workspace.activate({u"Veyla"_s, u"app.veyla.Veyla"_s});
+    openDashboard();
+    present(SheetLevel::savePreset);
+    click(u"Auto-apply for current frontmost app"_s);
+    EXPECT_FALSE(has(u"Will auto-apply when Veyla becomes active."_s));
+    click(u"Save"_s);
+    EXPECT_TRUE(state().presets.value().isEmpty());
+    EXPECT_TRUE(has(u"Choose the app to auto-apply for."_s));
+    EXPECT_TRUE(view(u"preset-choose-app-button"_s)->hasFocus());
+    press(Qt::Key_Space);
+    ASSERT_NE(openMenu(), nullptr);
+    EXPECT_EQ(titles(openMenu()), QStringList{u"Zoom"_s});
+    choose(openMenu(), u"Zoom"_s);
+    EXPECT_TRUE(has(u"Will auto-apply when Zoom becomes active."_s));
+    EXPECT_FALSE(has(u"Choose the app to auto-apply for."_s));
+    click(u"Save"_s);
+    ASSERT_EQ(state().presets.value().size(), 1);
+    EXPECT_EQ(state().presets.value().first().targetBundleIdentifier, u"us.zoom.xos");
+}
+
 TEST_F(SheetsTest, TheHelpExplainsAndFollowsTheFrontmostApplication) {
     openDashboard();
     setFrontmost(u"Zoom"_s);

@@ -10,6 +10,7 @@ public:
         updateIsInTray();
     }
     const Published<bool>& isInTray() const override { return m_isInTray; }
+    const Published<bool>& isWithoutTray() const override { return m_isWithoutTray; }
 
     void setHasTray(bool hasTray) {
         m_hasTray = hasTray;
@@ -19,9 +20,14 @@ public:
     const Actions& actions() const { return m_actions; }
 
 private:
-    void updateIsInTray() { m_isInTray.set(m_hasTray && m_actions.onActivate); }
+    void updateIsInTray() {
+        const bool isOffered = m_actions.onActivate != nullptr;
+        m_isInTray.set(m_hasTray && isOffered);
+        m_isWithoutTray.set(!m_hasTray && isOffered);
+    }
 
     Actions m_actions;
     bool m_hasTray = true;
     Published<bool> m_isInTray{false};
+    Published<bool> m_isWithoutTray{false};
 };

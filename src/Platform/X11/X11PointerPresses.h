@@ -1,25 +1,23 @@
 #pragma once
 
 #include "Platform/PointerPresses.h"
-#include "Platform/X11/XcbConnection.h"
+#include "Platform/X11/RawInput.h"
 #include "Reactive/Lifetime.h"
 #include "Reactive/Notifier.h"
 
-/// Hears of presses as raw events of the input extension, which no window and no grab takes away.
+/// Hears of presses as raw events.
 class X11PointerPresses final : public PointerPresses {
 public:
     /// `connection` must outlive the object.
-    explicit X11PointerPresses(XcbConnection& connection);
+    explicit X11PointerPresses(XcbConnection& connection)
+        : m_input(connection, RawInput::Kind::buttonPress) {}
 
     Subscription onPress(std::function<void(Button)> callback) override;
 
 private:
-    void select(bool isWanted);
-    void handleEvent(const xcb_generic_event_t& event);
+    void tell(uint32_t button);
 
-    XcbConnection& m_connection;
-    /// Its opcode; nothing before it is first wanted, or without it.
-    std::optional<uint8_t> m_extension;
+    RawInput m_input;
     int m_subscribers = 0;
     Button m_pressedButton = Button::primary;
     Notifier m_presses;

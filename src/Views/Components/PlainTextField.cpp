@@ -4,7 +4,24 @@
 #include "Views/Design/VeylaCard.h"
 #include "Views/Design/VeylaTheme.h"
 
+#include <QKeyEvent>
 #include <QPainter>
+#include <algorithm>
+#include <array>
+
+namespace {
+
+// Qt's field claims the other keys that edit, but leaves these to shortcuts of the window.
+constexpr std::array unclaimedEditing{QKeySequence::DeleteStartOfWord,
+                                      QKeySequence::DeleteEndOfWord, QKeySequence::DeleteEndOfLine,
+                                      QKeySequence::DeleteCompleteLine};
+
+bool isUnclaimedEditing(QKeyEvent& event) {
+    return std::any_of(unclaimedEditing.begin(), unclaimedEditing.end(),
+                       [&](QKeySequence::StandardKey key) { return event.matches(key); });
+}
+
+}  // namespace
 
 PlainTextField::PlainTextField(const QString& placeholder, const TextStyle& style, Border border)
     : m_border(border) {
@@ -20,6 +37,15 @@ PlainTextField::PlainTextField(const QString& placeholder, const TextStyle& styl
     colors.setColor(QPalette::Highlight, VeylaTheme::accentBlue());
     colors.setColor(QPalette::HighlightedText, VeylaTheme::textOn(VeylaTheme::accentBlue()));
     setPalette(colors);
+}
+
+bool PlainTextField::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride &&
+        isUnclaimedEditing(static_cast<QKeyEvent&>(*event))) {
+        event->accept();
+        return true;
+    }
+    return QLineEdit::event(event);
 }
 
 void PlainTextField::paintEvent(QPaintEvent* event) {

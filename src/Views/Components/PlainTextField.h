@@ -14,6 +14,8 @@ public:
                    Border border = Border::none);
 
 protected:
+    /// Keys that edit the text are the field's, whatever they mean in the window around it.
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:

@@ -163,7 +163,11 @@ PresetRowView* PresetGrid::makeCard(const MaskPreset& preset) {
         {.onLoad = load,
          .onSave = [&state, id](const QString& name,
                                 const QString& trigger) { state.updatePreset(id, name, trigger); },
-         .onBindToCurrentApp = [&state, id] { state.bindPresetToCurrentApp(id); },
+         .onBindToCurrentApp =
+             [&state, id] {
+                 state.bindPresetToCurrentApp(id);
+                 return state.applicationInFront().has_value();
+             },
          .applications = [&state] { return state.applicationsToBind(); },
          .onBind =
              [&state, id](const RunningApplication& application) {

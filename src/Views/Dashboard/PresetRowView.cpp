@@ -1,11 +1,11 @@
 #include "Views/Dashboard/PresetRowView.h"
 
 #include "Platform/AccessibleIdentifier.h"
+#include "Views/Components/ApplicationMenu.h"
 #include "Views/Components/PlainTextField.h"
 #include "Views/Components/SheetArea.h"
 #include "Views/Components/StyledButton.h"
 #include "Views/Components/TextLabel.h"
-#include "Views/Design/ApplicationLook.h"
 #include "Views/Design/Layout.h"
 #include "Views/Design/VeylaCard.h"
 #include "Views/Design/VeylaTheme.h"
@@ -13,7 +13,6 @@
 
 #include <QHideEvent>
 #include <QKeyEvent>
-#include <QMenu>
 #include <QPainter>
 #include <utility>
 
@@ -88,13 +87,14 @@ StyledButton* PresetRowView::control(StyledButton* button, const QString& identi
 QWidget* PresetRowView::displayed() {
     const TextStyle style{11, QFont::Medium};
     m_load = control(prominentButton(u"Load"_s), u"preset-load"_s, [this] { m_actions.onLoad(); });
-    m_bind = control(textButton(u"Bind App"_s, style, padding(10, 7), 7), u"preset-bind"_s,
-                     [this] { m_actions.onBindToCurrentApp(); });
+    m_bind = control(textButton(u"Bind App"_s, style, padding(10, 7), 7), u"preset-bind"_s, [this] {
+        if (!m_actions.onBindToCurrentApp()) chooseApplication(*m_bind);
+    });
     m_manual = control(textButton(u"Manual"_s, style, padding(10, 7), 7), u"preset-manual"_s,
                        [this] { m_actions.onClearBinding(); });
     const Symbol arrow{u"chevron.down"_s, 10, SymbolWeight::regular, VeylaTheme::textSecondary()};
     m_choose = control(bareIconButton(u"Bind to a running application"_s, arrow, {18, 28}),
-                       u"preset-choose"_s, [this] { chooseApplication(); });
+                       u"preset-choose"_s, [this] { chooseApplication(*m_choose); });
     m_edit = control(iconButton(u"Edit preset"_s, u"pencil"_s), u"preset-edit"_s,
                      [this] { beginEditing(); });
     auto* const remove = control(iconButton(u"Delete preset"_s, u"trash"_s), u"preset-delete"_s,
@@ -120,19 +120,11 @@ QWidget* PresetRowView::edited() {
     return column(8, {m_draftName, m_draftTrigger, row(6, {{m_count, 1}, cancel, m_save})});
 }
 
-void PresetRowView::chooseApplication() {
-    auto* const menu = new QMenu(this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    styleMenus(*menu);
-    for (const RunningApplication& each : m_actions.applications()) {
-        QAction* const item = menu->addAction(menuTitle(*each.localizedName), this,
-                                              [this, each] { m_actions.onBind(each); });
-        item->setCheckable(true);
-        item->setChecked(m_preset.autoApply &&
-                         m_preset.targetBundleIdentifier == each.bundleIdentifier);
-    }
-    if (menu->isEmpty()) menu->addAction(u"No other application is running"_s)->setEnabled(false);
-    menu->popup(m_choose->mapToGlobal(m_choose->rect().bottomLeft()));
+void PresetRowView::chooseApplication(QWidget& control) {
+    openApplicationMenu(
+        control, m_actions.applications(),
+        m_preset.autoApply ? m_preset.targetBundleIdentifier : std::nullopt,
+        [this](const RunningApplication& application) { m_actions.onBind(application); });
 }
 
 void PresetRowView::beginEditing() {

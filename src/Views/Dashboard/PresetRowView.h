@@ -20,7 +20,8 @@ public:
     struct Actions {
         std::function<void()> onLoad;
         std::function<void(const QString& name, const QString& trigger)> onSave;
-        std::function<void()> onBindToCurrentApp;
+        /// False where no current application is to be bound to, so that one must be chosen.
+        std::function<bool()> onBindToCurrentApp;
         /// What it can be bound to instead of the current application.
         std::function<QList<RunningApplication>()> applications;
         std::function<void(const RunningApplication&)> onBind;
@@ -58,7 +59,7 @@ private:
     StyledButton* control(StyledButton* button, const QString& identifier,
                           const std::function<void()>& action);
     void describe();
-    void chooseApplication();
+    void chooseApplication(QWidget& control);
     void beginEditing();
     void saveDraft();
     void updateSave();

@@ -8,6 +8,7 @@
 #include "Views/Design/Layout.h"
 #include "Views/Design/VeylaTheme.h"
 #include "Views/Settings/HotkeyRecorderView.h"
+#include "Views/Settings/TrayOnlyCaption.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -18,6 +19,8 @@ struct Behavior {
     const char16_t* identifier;
     bool (*isOn)(const AppSettings& settings);
     void (*write)(AppSettings& settings, bool isOn);
+    /// Whether the caption stands below it.
+    bool hasCaption = false;
 };
 
 constexpr std::array<Behavior, 4> behaviorTable{{
@@ -29,13 +32,25 @@ constexpr std::array<Behavior, 4> behaviorTable{{
      [](AppSettings& settings, bool isOn) { settings.menuBarOnlyMode = isOn; }},
     {u"Show dashboard on launch", u"behavior-show-dashboard-on-launch",
      [](const AppSettings& settings) { return settings.showDashboardOnLaunch; },
-     [](AppSettings& settings, bool isOn) { settings.showDashboardOnLaunch = isOn; }},
+     [](AppSettings& settings, bool isOn) { settings.showDashboardOnLaunch = isOn; }, true},
     {u"Auto-show masks when screen sharing", u"behavior-auto-show-masks-on-screen-share",
      [](const AppSettings& settings) {
          return settings.autoShowMasksOnScreenShare.value_or(false);
      },
      [](AppSettings& settings, bool isOn) { settings.autoShowMasksOnScreenShare = isOn; }},
 }};
+
+/// Lines that are never cut: one that wraps would make every layout around it try widths.
+QWidget* caption(const QStringList& lines) {
+    constexpr QMargins belowTheTitle{24, 0, 0, 4};
+    QWidget* const view = column(0, {}, belowTheTitle);
+    for (const QString& line : lines) {
+        auto* const label = new TextLabel(line, {10}, VeylaTheme::textSecondary());
+        label->setMinimumWidth(label->sizeHint().width());
+        view->layout()->addWidget(label);
+    }
+    return view;
+}
 
 }  // namespace
 
@@ -67,6 +82,7 @@ QWidget* SettingsCard::behaviorRows() {
             m_state.settings.update([&](AppSettings& settings) { behavior.write(settings, isOn); });
         });
         rows->layout()->addWidget(box);
+        if (behavior.hasCaption) rows->layout()->addWidget(caption(trayOnlyCaption()));
         m_behaviors[index] = box;
     }
     return rows;

@@ -9,6 +9,7 @@
 #include "Views/Design/ApplicationLook.h"
 #include "Views/Design/VeylaCard.h"
 #include "Views/Design/VeylaTheme.h"
+#include "Views/Settings/TrayOnlyCaption.h"
 
 #include <QBoxLayout>
 #include <QPainter>
@@ -209,8 +210,12 @@ QWidget* SettingsView::behaviorCard() {
     setAccessibleIdentifier(*m_loginFailure, u"settings-start-at-login-failure"_s);
     m_loginFailure->hide();
     auto* const card = new Section(u"Behavior"_s, 16);
-    for (QWidget* const toggle : {m_showHelpOnLaunch, m_menuBarOnlyMode, m_showDashboardOnLaunch})
+    auto* const caption = new TextLabel(trayOnlyCaption().join(u' '), {11},
+                                        VeylaTheme::textSecondary(), TextLabel::Lines::paragraph);
+    caption->setParagraphWidth(paragraphWidth());
+    for (QWidget* const toggle : {m_showHelpOnLaunch, m_menuBarOnlyMode})
         card->add(toggle);
+    card->add(inLine(QBoxLayout::TopToBottom, 6, {m_showDashboardOnLaunch, caption}));
     card->add(inLine(QBoxLayout::TopToBottom, 6, {m_startAtLogin, m_loginFailure}));
     return card;
 }

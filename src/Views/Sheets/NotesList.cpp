@@ -23,6 +23,9 @@ constexpr int sidePadding = 28;
 constexpr int cardPadding = 16;
 /// What a person can still read and scroll.
 constexpr int leastHeight = 72;
+/// Far more than anybody reads; each change is a view, and what the network sends has no bounds.
+constexpr qsizetype mostChanges = 200;
+constexpr qsizetype longestChange = 2'000;
 
 QWidget* note(const QString& change) {
     const Symbol symbol{u"checkmark.circle.fill"_s, 13, SymbolWeight::regular,
@@ -68,8 +71,8 @@ void NotesList::show(const QStringList& changes) {
     if (changes == m_changes && m_scrollArea->widget()) return;
     m_changes = changes;
     auto* const notes = column(12, {}, padding(cardPadding, cardPadding));
-    for (const QString& change : changes)
-        notes->layout()->addWidget(note(change));
+    for (const QString& change : changes.first(std::min(changes.size(), mostChanges)))
+        notes->layout()->addWidget(note(change.left(longestChange)));
     auto* const content = column(0, {veylaCard(notes, false)}, padding(sidePadding, 0));
     m_scrollArea->setWidget(content);
     content->setAutoFillBackground(false);

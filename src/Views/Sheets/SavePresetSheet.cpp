@@ -1,6 +1,7 @@
 #include "Views/Sheets/SavePresetSheet.h"
 
 #include "Platform/AccessibleIdentifier.h"
+#include "Views/Components/ApplicationMenu.h"
 #include "Views/Components/PlainTextField.h"
 #include "Views/Components/SpokenNote.h"
 #include "Views/Components/StyledButton.h"
@@ -43,6 +44,9 @@ SavePresetSheet::SavePresetSheet(AppState& state, Scheduler& scheduler)
       m_autoApply(
           new ToggleSwitch(u"Auto-apply for current frontmost app"_s, VeylaTheme::accentGreen())),
       m_target(new TextLabel({}, {11}, VeylaTheme::accentGreen(), TextLabel::Lines::paragraph)),
+      m_choose(textButton(u"Choose App…"_s, {11, QFont::Medium}, padding(10, 5), 7)),
+      m_targetRow(row(10, {{m_target, 1}, {m_choose, 0, Qt::AlignTop}})),
+      m_targetHint(new SpokenNote(u"Choose the app to auto-apply for."_s)),
       m_hint(new SpokenNote(u"A preset needs a name."_s)),
       m_cancel(cancelButton()),
       m_save(prominentButton(u"Save"_s, VeylaTheme::accentIndigo())),
@@ -57,14 +61,16 @@ SavePresetSheet::SavePresetSheet(AppState& state, Scheduler& scheduler)
                                  VeylaTheme::textSecondary(), TextLabel::Lines::paragraph)}));
     layout->addWidget(column(5, {labelled(u"Preset name"_s, m_name), m_hint}));
     layout->addWidget(labelled(u"Trigger or app"_s, m_trigger));
-    layout->addWidget(column(6, {m_autoApply, m_target}));
+    layout->addWidget(column(6, {m_autoApply, m_targetRow, m_targetHint}));
     layout->addWidget(row(8, {LayoutItem::space(), m_cancel, m_save}));
     setAccessibleIdentifier(*m_autoApply, u"preset-auto-apply-switch"_s);
+    setAccessibleIdentifier(*m_choose, u"preset-choose-app-button"_s);
     setAccessibleIdentifier(*m_cancel, u"cancel-save-preset-button"_s);
     setAccessibleIdentifier(*m_save, u"save-preset-button"_s);
     bindFields();
     m_turnUpdate.follow(state.presetDraftName, state.presetDraftTrigger, state.presetDraftAutoApply,
-                        state.currentFrontmostAppName);
+                        state.currentFrontmostAppName, state.currentFrontmostBundleIdentifier,
+                        state.presetDraftTarget);
     update();
 }
 
@@ -87,6 +93,7 @@ void SavePresetSheet::bindFields() {
             [this](const QString& text) { m_state.presetDraftTrigger.set(text); });
     connect(m_autoApply, &QCheckBox::toggled, this,
             [this](bool isOn) { m_state.presetDraftAutoApply.set(isOn); });
+    connect(m_choose, &QPushButton::clicked, this, [this] { chooseApplication(); });
     connect(m_cancel, &QPushButton::clicked, this, [this] { m_state.cancelSavePresetFlow(); });
     connect(m_save, &QPushButton::clicked, this, [this] { save(); });
 }
@@ -97,18 +104,42 @@ void SavePresetSheet::update() {
     showText(m_name, m_state.presetDraftName.value());
     showText(m_trigger, m_state.presetDraftTrigger.value());
     m_autoApply->showIsOn(m_state.presetDraftAutoApply.value());
-    m_target->showText(u"Will auto-apply when %1 becomes active."_s.arg(
-        onOneLine(m_state.currentFrontmostAppName.value())));
-    m_target->setVisible(m_state.presetDraftAutoApply.value());
+    showTarget();
     if (!m_state.presetDraftName.value().trimmed().isEmpty()) {
         m_hint->hide();
         m_name->setAccessibleDescription({});
     }
 }
 
+void SavePresetSheet::showTarget() {
+    const auto application = m_state.presetDraftApplication();
+    m_target->setColor(application ? VeylaTheme::accentGreen() : VeylaTheme::textSecondary());
+    m_target->showText(application ? u"Will auto-apply when %1 becomes active."_s.arg(
+                                         onOneLine(application->localizedName.value_or(QString())))
+                                   : u"Veyla itself is in front."_s);
+    const bool isWanted = m_state.presetDraftAutoApply.value();
+    m_targetRow->setVisible(isWanted);
+    if (!isWanted || application) m_targetHint->hide();
+}
+
+void SavePresetSheet::chooseApplication() {
+    const auto current = m_state.presetDraftApplication();
+    openApplicationMenu(*m_choose, m_state.applicationsToBind(),
+                        current ? current->bundleIdentifier : std::nullopt,
+                        [this](const RunningApplication& application) {
+                            m_state.presetDraftTarget.set(application);
+                        });
+}
+
 void SavePresetSheet::save() {
     m_state.confirmSavePreset();
     if (!m_state.isSavePresetPresented.newest()) return;
+    if (!m_state.presetDraftName.newest().trimmed().isEmpty()) {
+        // What is missing is the application.
+        m_targetHint->say();
+        m_choose->setFocus(Qt::OtherFocusReason);
+        return;
+    }
     // The name is blank, which is said each time.
     m_hint->say();
     m_name->setAccessibleDescription(m_hint->accessibleName());

@@ -24,13 +24,19 @@ public:
 private:
     void bindFields();
     void update();
+    void showTarget();
+    void chooseApplication();
     void save();
 
     AppState& m_state;
     PlainTextField* m_name;
     PlainTextField* m_trigger;
     ToggleSwitch* m_autoApply;
+    /// Which application it will be bound to, and the way to another one.
     TextLabel* m_target;
+    StyledButton* m_choose;
+    QWidget* m_targetRow;
+    SpokenNote* m_targetHint;
     /// Why the preset was not saved.
     SpokenNote* m_hint;
     StyledButton* m_cancel;

@@ -86,4 +86,5 @@ void DesktopTrayIcon::update() {
         m_embedded = std::make_unique<EmbeddedTrayIcon>(m_actions, m_scheduler);
     const bool isInTray = m_item || m_embedded;
     if (isInTray != m_isInTray.value()) m_isInTray.set(isInTray);
+    if (isInTray == m_isWithoutTray.value()) m_isWithoutTray.set(!isInTray);
 }

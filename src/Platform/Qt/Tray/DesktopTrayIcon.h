@@ -32,6 +32,7 @@ public:
 
     void show(const Actions& actions) override;
     const Published<bool>& isInTray() const override { return m_isInTray; }
+    const Published<bool>& isWithoutTray() const override { return m_isWithoutTray; }
 
 private Q_SLOTS:
     void hostsChanged();
@@ -55,6 +56,7 @@ private:
     std::unique_ptr<StatusNotifierItem> m_item;
     std::unique_ptr<EmbeddedTrayIcon> m_embedded;
     Published<bool> m_isInTray{false};
+    Published<bool> m_isWithoutTray{false};
     Subscription m_ownerChanges;
     Subscription m_colorChanges;
 };

@@ -5,6 +5,7 @@
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextList>
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -21,8 +22,22 @@ protected:
     QVariant loadResource(int, const QUrl&) override { return {}; }
 };
 
-QString plainNotes(const QString& notes) {
-    if (notes.isEmpty()) return u"There are no notes for this release."_s;
+// Far more than anybody reads. Qt takes time that grows with the square of how deep elements are
+// nested, and their number bounds the depth.
+constexpr qsizetype longestNotes = 50'000;
+constexpr qsizetype mostTags = 1'000;
+
+QString boundedNotes(const QString& notes) {
+    qsizetype end = std::min(notes.size(), longestNotes);
+    qsizetype tags = 0;
+    for (qsizetype index = 0; index < end; ++index)
+        if (notes[index] == u'<' && ++tags > mostTags) end = index;
+    return end == notes.size() ? notes : notes.left(end) + u'…';
+}
+
+QString plainNotes(const QString& all) {
+    if (all.isEmpty()) return u"There are no notes for this release."_s;
+    const QString notes = boundedNotes(all);
     if (!Qt::mightBeRichText(notes)) return notes;
     InertDocument document;
     document.setHtml(notes);

@@ -9,6 +9,7 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -164,10 +165,12 @@ void UpdateDialog::press(std::size_t index) {
 }
 
 // Labels that wrap are as high as the width makes them, which a window does not ask for by itself.
+// It is never larger than the screen: its buttons must be within reach.
 void UpdateDialog::fitToPage() {
     layout()->invalidate();
     const int width = std::max(leastWidth, layout()->totalMinimumSize().width());
-    const QSize size(width, layout()->totalHeightForWidth(width));
+    const QSize size =
+        QSize(width, layout()->totalHeightForWidth(width)).boundedTo(screen()->availableSize());
     setMinimumSize(size);
     resize(size);
 }

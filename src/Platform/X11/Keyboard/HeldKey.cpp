@@ -10,11 +10,15 @@ bool HeldKey::press(const xcb_key_press_event_t& event) {
     return !wasDown;
 }
 
-void HeldKey::release(const xcb_key_release_event_t& event) {
-    // With the end of the grab, the release of other keys goes elsewhere.
+std::optional<xcb_keycode_t> HeldKey::release(const xcb_key_release_event_t& event) {
     const bool isLast = m_grabbing == event.detail;
-    if (isLast || m_down == event.detail) m_down.reset();
+    if (m_down == event.detail) m_down.reset();
     if (isLast) m_grabbing.reset();
     m_released = event.detail;
     m_releasedAt = event.time;
+    return isLast ? m_down : std::nullopt;
+}
+
+void HeldKey::releasedElsewhere(xcb_keycode_t key) {
+    if (m_down == key) m_down.reset();
 }

@@ -13,7 +13,13 @@ public:
 
     /// Whether the key was up before this press.
     bool press(const xcb_key_press_event_t& event);
-    void release(const xcb_key_release_event_t& event);
+    /// Whether the key that went down last is held in the grab of another one, which may end first.
+    bool isInGrabOfAnother() const { return m_down && m_grabbing && m_down != m_grabbing; }
+    /// Returns the key that is still down although the grab has ended: its release goes elsewhere,
+    /// and must be told below.
+    std::optional<xcb_keycode_t> release(const xcb_key_release_event_t& event);
+    /// A key went up unseen.
+    void releasedElsewhere(xcb_keycode_t key);
 
 private:
     bool m_areRepeatsWithoutRelease;

@@ -37,7 +37,8 @@ X11HotKeyCenter::X11HotKeyCenter(XcbConnection& connection, SystemLog& log)
       m_log(log),
       m_keyboard(connection),
       m_modifiers(ModifierMap::read(connection)),
-      m_heldKey(m_keyboard.areRepeatsWithoutRelease()) {
+      m_heldKey(m_keyboard.areRepeatsWithoutRelease()),
+      m_keyReleases(connection, RawInput::Kind::keyRelease) {
     m_keyboard.onMappingChanged = [this] { followModifiers(); };
     m_subscriptions.keep(
         m_connection.onEvent([this](const xcb_generic_event_t& event) { handleEvent(event); }));
@@ -139,10 +140,38 @@ void X11HotKeyCenter::handleEvent(const xcb_generic_event_t& event) {
     // Only hot keys make the server report keys of the root window, in both cases with one layout.
     const auto& key = reinterpret_cast<const xcb_key_press_event_t&>(event);
     if (type == XCB_KEY_RELEASE && key.event == m_connection.root()) {
-        m_heldKey.release(key);
+        const auto stillDown = m_heldKey.release(key);
+        if (stillDown && stillDown != m_awaitedKey) m_heldKey.releasedElsewhere(*stillDown);
     } else if (type == XCB_KEY_PRESS && key.event == m_connection.root()) {
-        if (m_heldKey.press(key)) dispatch(key);
+        if (!m_heldKey.press(key)) return;
+        if (m_heldKey.isInGrabOfAnother()) awaitRelease(key.detail);
+        dispatch(key);
     }
+}
+
+// A key that was pressed while another hot key was down repeats after that one is up, and grabs
+// anew: only its release, which may come before, tells that the next press is a person's.
+void X11HotKeyCenter::awaitRelease(xcb_keycode_t keycode) {
+    const bool isHotKey = std::any_of(m_registrations.begin(), m_registrations.end(),
+                                      [&](const auto* each) { return each->keycode == keycode; });
+    if (!isHotKey) return;
+    m_awaitedRelease.reset();
+    m_awaitedRelease = m_keyReleases.listen([this, keycode](uint32_t released) {
+        if (released == keycode) releasedElsewhere(keycode);
+    });
+    if (!m_awaitedRelease.isActive()) return;
+    m_awaitedKey = keycode;
+    // It may have gone up before the server was asked for releases.
+    const auto keys =
+        xcbReply(xcb_query_keymap_reply, m_connection.get(), xcb_query_keymap(m_connection));
+    const bool isDown = keys && (keys->keys[keycode / 8] & (1 << (keycode % 8))) != 0;
+    if (!isDown) releasedElsewhere(keycode);
+}
+
+void X11HotKeyCenter::releasedElsewhere(xcb_keycode_t keycode) {
+    m_heldKey.releasedElsewhere(keycode);
+    m_awaitedKey.reset();
+    m_awaitedRelease.reset();
 }
 
 void X11HotKeyCenter::dispatch(const xcb_key_press_event_t& event) {

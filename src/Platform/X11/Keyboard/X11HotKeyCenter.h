@@ -6,6 +6,7 @@
 #include "Platform/X11/Keyboard/HeldKey.h"
 #include "Platform/X11/Keyboard/KeyboardWatch.h"
 #include "Platform/X11/Keyboard/ModifierMap.h"
+#include "Platform/X11/RawInput.h"
 #include "Platform/X11/XcbConnection.h"
 #include "Reactive/Lifetime.h"
 #include "Reactive/Subscription.h"
@@ -39,6 +40,8 @@ private:
     void resume();
     void handleEvent(const xcb_generic_event_t& event);
     void dispatch(const xcb_key_press_event_t& event);
+    void awaitRelease(xcb_keycode_t keycode);
+    void releasedElsewhere(xcb_keycode_t keycode);
     void logRefusal(const HotkeyBinding& binding, const char* reason);
 
     XcbConnection& m_connection;
@@ -46,10 +49,14 @@ private:
     KeyboardWatch m_keyboard;
     ModifierMap m_modifiers;
     HeldKey m_heldKey;
+    RawInput m_keyReleases;
     Handler m_handler;
     quint64 m_handlerNumber = 0;
     std::vector<Registration*> m_registrations;
     int m_suspensions = 0;
     Lifetime m_lifetime;
+    // A hot key that is down, and whose release may go to another program.
+    std::optional<xcb_keycode_t> m_awaitedKey;
+    Subscription m_awaitedRelease;
     SubscriptionBag m_subscriptions;
 };
