@@ -46,7 +46,7 @@ const int rounds = [] {
 }  // namespace
 
 std::vector<ManagedDesktop> chosenDesktops() {
-    const QString names = qEnvironmentVariable("VEYLA_LEAK_MANAGERS", u"none,openbox,picom"_s);
+    const QString names = qEnvironmentVariable("VEYLA_LEAK_MANAGERS", u"openbox,picom,mutter,kwin"_s);
     std::vector<ManagedDesktop> chosen;
     for (const QString& name : names.split(u',')) {
         const auto found =
@@ -141,7 +141,7 @@ testing::AssertionResult LeakTest::settles() {
                    m_meter->cleanTime() >= quietTime;
         }))
         return testing::AssertionSuccess();
-    const LeakMeter::Tally tally = m_meter->take();
+    const LeakMeter::Tally tally = m_meter->tally();
     return testing::AssertionFailure()
            << "the masks do not come back: leaking "
            << QColor(tally.leaks.strongest).name().toStdString() << ", covered by "
@@ -158,22 +158,22 @@ void LeakTest::measure(const LeakScenario& scenario) {
     if (!scenario.preset.isEmpty()) apply(scenario.preset);
     auto isWell = settles();
     if (isWell) isWell = provesMeter();
-    m_meter->take();
+    m_meter->reset();
     for (int round = 0; isWell && round < rounds; ++round) {
         scenario.act(round);
         isWell = settles();
     }
-    const LeakMeter::Tally tally = m_meter->take();
+    const LeakMeter::Tally tally = m_meter->tally();
     // Nothing is left that no command hides.
     if (isWell && scenario.kind == Kind::unpreventable) isWell = provesMeter();
     EXPECT_TRUE(isWell);
     m_isBroken = !isWell;
     static const char* const kinds[] = {"own", "newcomer", "unpreventable"};
-    std::printf("leak|%s|%s|%s|%d|%d|%d|%.2f|%s|%d|%.2f\n", GetParam().name.c_str(), scenario.name,
-                kinds[static_cast<int>(scenario.kind)], rounds, tally.readings,
+    std::printf("leak|%s|%s|%s|%d|%d|%d|%.2f|%s|%d|%.2f|%s\n", GetParam().name.c_str(),
+                scenario.name, kinds[static_cast<int>(scenario.kind)], rounds, tally.readings,
                 tally.leaks.stretches, tally.leaks.longest.count(),
                 QColor(tally.leaks.strongest).name().toLatin1().constData(), tally.covers.stretches,
-                tally.covers.longest.count());
+                tally.covers.longest.count(), isWell ? "back" : "never");
     if (scenario.kind != Kind::unpreventable) {
         EXPECT_EQ(tally.leaks.stretches, 0) << QColor(tally.leaks.strongest).name().toStdString()
                                             << " for " << tally.leaks.longest.count() << " ms";

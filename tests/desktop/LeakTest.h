@@ -45,7 +45,8 @@ struct LeakScenario {
 ///
 /// A line for each scenario goes to the standard output: the desktop, the scenario, its kind, the
 /// rounds, the readings, how often the secret showed, the longest time of it in milliseconds, its
-/// strongest colour, how often something covered the masks, and the longest time of that.
+/// strongest colour, how often something covered the masks, the longest time of that, and whether
+/// the masks were "back" at the end or "never".
 class LeakTest : public testing::TestWithParam<ManagedDesktop>, protected VeylaSession {
 protected:
     using Kind = LeakScenario::Kind;

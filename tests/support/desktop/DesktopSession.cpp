@@ -1,5 +1,7 @@
 #include "support/desktop/DesktopSession.h"
 
+#include <utility>
+
 using namespace Qt::Literals::StringLiterals;
 
 DesktopSession::DesktopSession(const Options& options) : m_environment(m_home.environment()) {
@@ -28,6 +30,12 @@ void DesktopSession::changeWindowManager(const QStringList& command) {
     if (!command.isEmpty()) {
         m_windowManager = std::make_unique<WindowManager>(m_environment, command);
     }
+}
+
+void DesktopSession::replaceWindowManager(const QStringList& command) {
+    const auto former = std::move(m_windowManager);
+    m_windowManager =
+        std::make_unique<WindowManager>(m_environment, command + QStringList{u"--replace"_s});
 }
 
 void DesktopSession::startCompositor() {

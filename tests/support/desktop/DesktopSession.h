@@ -39,6 +39,8 @@ public:
 
     /// Ends the window manager, if any, and starts the given one; none for an empty command.
     void changeWindowManager(const QStringList& command);
+    /// Starts another, which takes over from the one that runs.
+    void replaceWindowManager(const QStringList& command);
     void startCompositor();
     void stopCompositor() { m_compositor.reset(); }
 

@@ -3,7 +3,6 @@
 #include "support/desktop/XClient.h"
 
 #include <algorithm>
-#include <utility>
 #include <vector>
 
 namespace {
@@ -27,9 +26,14 @@ LeakMeter::LeakMeter(const QString& displayName, const QList<QPoint>& points)
               read(client, points);
       }) {}
 
-LeakMeter::Tally LeakMeter::take() {
+LeakMeter::Tally LeakMeter::tally() const {
     const std::scoped_lock lock(m_mutex);
-    return std::exchange(m_tally, {});
+    return m_tally;
+}
+
+void LeakMeter::reset() {
+    const std::scoped_lock lock(m_mutex);
+    m_tally = {};
 }
 
 LeakMeter::Duration LeakMeter::timeSince(const Clock::time_point& begin) const {

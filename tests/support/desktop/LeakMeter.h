@@ -40,8 +40,9 @@ public:
     /// Reads these points, in device pixels of the root, until the end of the object.
     LeakMeter(const QString& displayName, const QList<QPoint>& points);
 
-    /// What was read since the last call, or since the start.
-    Tally take();
+    /// What was read since the last `reset`, or since the start.
+    Tally tally() const;
+    void reset();
     /// For how long every point has been black.
     Duration cleanTime() const { return timeSince(m_cleanSince); }
     /// For how long something green has been above a mask.

@@ -9,10 +9,9 @@
 using namespace Qt::Literals::StringLiterals;
 
 WindowManager::WindowManager(const QProcessEnvironment& environment, const QStringList& command)
-    : m_former(supportingWindow(environment)),
-      m_process(command.first(), command.mid(1), environment) {
+    : m_former(owner(environment)), m_process(command.first(), command.mid(1), environment) {
     requireSoon("the window manager manages the display", [&] {
-        const unsigned window = supportingWindow(environment);
+        const unsigned window = owner(environment);
         return window != XCB_NONE && window != m_former;
     });
     // Openbox 3.6 can go to sleep on a request that came while it started, until any other event
@@ -31,12 +30,6 @@ WindowManager::WindowManager(const QProcessEnvironment& environment, const QStri
     requireSoon("the window manager forgets a window", [&] { return !isManaged(); });
 }
 
-unsigned WindowManager::supportingWindow(const QProcessEnvironment& environment) {
-    const QString property = u"_NET_SUPPORTING_WM_CHECK"_s;
-    const XClient client(environment.value(u"DISPLAY"_s));
-    const std::vector<std::uint32_t> named = client.numbersOf(client.root(), property);
-    // A manager that has died may leave the property of the root behind, but not its window.
-    return !named.empty() && client.numbersOf(named.front(), property) == named
-               ? named.front()
-               : static_cast<unsigned>(XCB_NONE);
+unsigned WindowManager::owner(const QProcessEnvironment& environment) {
+    return XClient(environment.value(u"DISPLAY"_s)).selectionOwner(u"WM_S0"_s);
 }
