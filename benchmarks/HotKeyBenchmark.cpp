@@ -49,6 +49,7 @@ private:
 
 void hotKeyHides(benchmark::State& state) {
     const auto windowCount = static_cast<int>(state.range(0));
+    const std::chrono::milliseconds rest(state.range(1));
 
     Contender veyla;
     storeWorkspace(veyla.desktop, rowsOfMasks(windowCount));
@@ -66,8 +67,8 @@ void hotKeyHides(benchmark::State& state) {
 
     for (auto iteration : state) {
         for (int round = 0; round < rounds; ++round) {
-            // Long enough for Veyla to compose the masks that it has shown, and to rest.
-            std::this_thread::sleep_for(std::chrono::milliseconds(150));
+            // With much of it, Veyla has composed the masks that it has shown, and rests.
+            std::this_thread::sleep_for(rest);
             bare.toggleTwice();
             veyla.toggleTwice();
         }
@@ -75,7 +76,13 @@ void hotKeyHides(benchmark::State& state) {
     reportRatio(state, veyla.times, bare.times, 2);
 }
 
-BENCHMARK(hotKeyHides)->ArgName("masks")->Arg(100)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(hotKeyHides)
+    ->ArgNames({"masks", "rest_ms"})
+    ->Args({100, 150})
+    ->Args({100, 1})
+    ->Args({100, 20})
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -155,7 +155,6 @@ Subscription XcbConnection::onConnectionLost(std::function<void()> callback) {
 void XcbConnection::processQueuedEvents() {
     if (m_isDispatching) return;
     dispatchQueued();
-    takeReplies();
     flush();
 }
 
@@ -165,7 +164,6 @@ void XcbConnection::processEvents() {
     dispatchBurst(xcb_poll_for_event(m_connection));
     // What the handlers wait for may bring further events with it.
     dispatchQueued();
-    takeReplies();
     flush();
     if (xcb_connection_has_error(m_connection)) {
         m_socketNotifier->setEnabled(false);
@@ -174,23 +172,27 @@ void XcbConnection::processEvents() {
 }
 
 void XcbConnection::dispatchQueued() {
-    while (auto* const first = xcb_poll_for_queued_event(m_connection))
-        dispatchBurst(first);
+    // Until nothing is left: what is handled may wait for the server, which brings further events
+    // and replies, and nothing else tells of those.
+    do {
+        while (auto* const first = xcb_poll_for_queued_event(m_connection))
+            dispatchBurst(first);
+    } while (takeReply());
 }
 
-void XcbConnection::takeReplies() {
-    while (!m_awaitedReplies.empty()) {
-        void* reply = nullptr;
-        xcb_generic_error_t* error = nullptr;
-        const AwaitedReply& awaited = m_awaitedReplies.front();
-        if (xcb_poll_for_reply(m_connection, awaited.sequence, &reply, &error) == 0) return;
-        const XcbReply<xcb_generic_error_t> discarded(error);
-        const auto take = awaited.take;
-        m_awaitedReplies.pop_front();
-        take(reply);
-        flush();
-        dispatchBurst(xcb_poll_for_event(m_connection));
-    }
+bool XcbConnection::takeReply() {
+    if (m_awaitedReplies.empty()) return false;
+    void* reply = nullptr;
+    xcb_generic_error_t* error = nullptr;
+    if (xcb_poll_for_reply(m_connection, m_awaitedReplies.front().sequence, &reply, &error) == 0)
+        return false;
+    const XcbReply<xcb_generic_error_t> discarded(error);
+    const auto take = std::move(m_awaitedReplies.front().take);
+    m_awaitedReplies.pop_front();
+    take(reply);
+    flush();
+    dispatchBurst(xcb_poll_for_event(m_connection));
+    return true;
 }
 
 void XcbConnection::dispatchBurst(xcb_generic_event_t* first) {

@@ -127,7 +127,7 @@ private:
     void processEvents();
     void processQueuedEvents();
     void dispatchQueued();
-    void takeReplies();
+    bool takeReply();
     void dispatchBurst(xcb_generic_event_t* first);
 
     xcb_connection_t* m_connection;

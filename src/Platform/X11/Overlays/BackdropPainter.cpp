@@ -10,18 +10,13 @@ namespace {
 constexpr std::chrono::milliseconds displayFrame{16};
 /// How many pixels are composed before the server is given a rest: some two milliseconds' work.
 constexpr int portionPixels = 1 << 19;
+/// What it takes to compose anything at all, in pixels.
+constexpr int requestsInPixels = 1 << 12;
 
-int pixelsOf(const QRegion& region) {
-    int pixels = 0;
-    for (const QRect& rect : region)
-        pixels += rect.width() * rect.height();
-    return pixels;
-}
-
-/// Takes as much away from a region, from the top, as one portion may have.
-QRegion takePortion(QRegion& region) {
+/// Takes about that many pixels away from a region, from its top.
+QRegion takePortion(QRegion& region, int pixels) {
     QRegion portion;
-    int left = portionPixels;
+    int left = pixels;
     for (const QRect& rect : region) {
         const int rows = std::clamp(left / rect.width(), 1, rect.height());
         portion += QRect(rect.topLeft(), QSize(rect.width(), rows));
@@ -195,27 +190,35 @@ void BackdropPainter::distribute() {
 
 void BackdropPainter::work() {
     const auto masks = m_shownMasks();
+    int budget = portionPixels;
     // One is worked on to its end before those above it, which show it.
     for (std::size_t i = 0; i < masks.size(); ++i)
-        if (masks[i].picture && workOn(masks, i)) return m_connection.flush();
-    end();
+        if (masks[i].picture && !bringUpToDate(masks, i, budget)) return m_connection.flush();
+    m_isRefreshing = false;
+    m_scratch.trim(portionPixels);
+    m_connection.flush();
+    schedule();
 }
 
-bool BackdropPainter::workOn(const std::vector<Mask>& masks, std::size_t index) {
+bool BackdropPainter::bringUpToDate(const std::vector<Mask>& masks, std::size_t index,
+                                    int& budget) {
     ComposedPicture& picture = *masks[index].picture;
     if (!picture.uncaptured.isEmpty()) {
-        picture.capture(takePortion(picture.uncaptured), groundOf(masks, index),
+        picture.capture(takePortion(picture.uncaptured, budget), groundOf(masks, index),
                         m_lifetime->guard([this] { work(); }));
-        return true;
-    }
-    if (picture.uncomposed.isEmpty()) {
-        picture.settledAt = masks[index].window->rect().topLeft();
         return false;
     }
-    const QRegion portion = takePortion(picture.uncomposed);
-    picture.blur(portion);
-    picture.compose(portion, groundOf(masks, index));
-    awaitServer();
+    while (!picture.uncomposed.isEmpty()) {
+        if (budget <= 0) {
+            awaitServer();
+            return false;
+        }
+        const QRegion portion = takePortion(picture.uncomposed, budget);
+        budget -= pixelsOf(portion) + requestsInPixels;
+        picture.blur(portion);
+        picture.compose(portion, groundOf(masks, index));
+    }
+    picture.settledAt = masks[index].window->rect().topLeft();
     return true;
 }
 
@@ -223,10 +226,4 @@ void BackdropPainter::awaitServer() {
     m_connection.whenReplied<xcb_get_input_focus_reply_t>(
         xcb_get_input_focus(m_connection),
         m_lifetime->guard([this](const XcbReply<xcb_get_input_focus_reply_t>&) { work(); }));
-}
-
-void BackdropPainter::end() {
-    m_isRefreshing = false;
-    m_scratch.trim(portionPixels);
-    schedule();
 }

@@ -58,8 +58,7 @@ private:
     void begin();
     void distribute();
     void work();
-    bool workOn(const std::vector<Mask>& masks, std::size_t index);
-    void end();
+    bool bringUpToDate(const std::vector<Mask>& masks, std::size_t index, int& budget);
     void awaitServer();
 
     XcbConnection& m_connection;

@@ -227,7 +227,13 @@ xcb_render_pictformat_t ComposedPicture::windowFormat() const {
 void ComposedPicture::compose(const QRegion& area, const DrawGround& ground) {
     const QRegion inside = area & wholeRect();
     if (inside.isEmpty() || m_window.picture() == XCB_NONE) return;
-    composeInto(m_window.picture(), inside, ground);
+    // The parts of a rim are far from each other; what lies between them need not be worked on.
+    const QRect bounds = inside.boundingRect();
+    if (pixelsOf(bounds) > 2 * pixelsOf(inside))
+        for (const QRect& part : inside)
+            composeInto(m_window.picture(), part, ground);
+    else
+        composeInto(m_window.picture(), inside, ground);
     m_window.showPictureAgain(inside);
 }
 

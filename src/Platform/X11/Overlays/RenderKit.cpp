@@ -1,7 +1,7 @@
 #include "Platform/X11/Overlays/RenderKit.h"
 
 #include <algorithm>
-#include <array>
+#include <numeric>
 #include <string_view>
 #include <utility>
 
@@ -29,6 +29,12 @@ int16_t serverPosition(int value) {
 
 uint16_t serverLength(int value) {
     return static_cast<uint16_t>(std::clamp(value, 1, 65535));
+}
+
+int pixelsOf(const QRegion& region) {
+    return std::accumulate(region.begin(), region.end(), 0, [](int sum, const QRect& rect) {
+        return sum + rect.width() * rect.height();
+    });
 }
 
 std::vector<xcb_rectangle_t> serverRectangles(const QRegion& region, QPoint offset) {

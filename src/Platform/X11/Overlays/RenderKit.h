@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <xcb/render.h>
 
+int pixelsOf(const QRegion& region);
 /// The parts of a region as the server takes them, moved by `offset`.
 std::vector<xcb_rectangle_t> serverRectangles(const QRegion& region, QPoint offset = {});
 /// Brings a number into the range of the protocol.
