@@ -57,6 +57,7 @@ public:
     /// Ends the program by command; its exit status, or nothing when it does not end.
     std::optional<int> quit();
 
+    /// The program that is started.
     QString programPath;
     DesktopSession desktop;
     /// For the program; changes count from the next start on.

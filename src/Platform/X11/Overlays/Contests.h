@@ -13,8 +13,8 @@ class Contests {
 public:
     using Rival = std::uint32_t;
 
-    /// How long to wait before the next answer to rivals who insist.
-    static constexpr std::chrono::milliseconds delay{50};
+    /// How long to wait before the next answer to rivals who insist: a frame of a usual display.
+    static constexpr std::chrono::milliseconds delay{16};
 
     /// Whether some of these rivals are to be answered now, and not only after `delay`.
     bool mayAnswer(const std::vector<Rival>& rivals);
