@@ -52,7 +52,7 @@ int runMaskOperator(int argc, char** argv) {
     HeadlessDesktop others;
     AppState state({mainLoop, desktop->screens(), desktop->overlaySurfaces(), others.announcer, log,
                     others.applicationHost, others.hotKeyCenter, others.workspace, others.urlLoader,
-                    others.updateFramework, workspaceDirectory()});
+                    others.updateFramework, others.trayIcon, workspaceDirectory()});
     RemoteCommands commands(state, [&] { mainLoop.quit(0); });
     remoteControl.start([&](const QStringList& arguments) {
         return operate(state, arguments) ? CommandResult() : commands.perform(arguments);
