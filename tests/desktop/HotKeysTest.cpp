@@ -143,12 +143,17 @@ TEST(X11HotKeys, AHeldKeyActsOnce) {
     EXPECT_EQ(done, (QList{createMask, toggleAll, toggleAll, createMask, createMask, createMask}));
 
     // One that is pressed before the other is let go of repeats then in a grab of its own.
+    input.releaseKeycode(keyN);
+    input.releaseKeycode(keyH);
+    harness.settle();
     done.clear();
+    input.pressKeycode(keyN);
     input.pressKeycode(keyH);
     input.releaseKeycode(keyN);
+    harness.settle();
     repetitions = 0;
     EXPECT_TRUE(harness.waitUntil([&] { return repetitions >= 3; })) << "it does not repeat";
-    EXPECT_EQ(done, QList{toggleAll});
+    EXPECT_EQ(done, (QList{createMask, toggleAll}));
     // Nobody but the focused window is told when it goes up before it repeats.
     for (const auto& [key, isDown] :
          {std::pair(keyN, true), {keyH, false}, {keyN, false}, {keyN, true}, {keyN, false}}) {
@@ -156,8 +161,8 @@ TEST(X11HotKeys, AHeldKeyActsOnce) {
         harness.settle();
     }
     input.pressKeycode(keyH);
-    EXPECT_TRUE(harness.waitUntil([&] { return done.size() >= 4; }));
-    EXPECT_EQ(done, (QList{toggleAll, createMask, createMask, toggleAll}));
+    EXPECT_TRUE(harness.waitUntil([&] { return done.size() >= 5; }));
+    EXPECT_EQ(done, (QList{createMask, toggleAll, createMask, createMask, toggleAll}));
     manager.reset();
     input.releaseKeycode(keyH);
     const xcb_window_t window = harness.neighbour.open({.isOverrideRedirect = true});
@@ -167,7 +172,7 @@ TEST(X11HotKeys, AHeldKeyActsOnce) {
         input.typeChord({keyN});
         return !harness.neighbour.takeInput().isEmpty();
     })) << "the key is still taken";
-    EXPECT_EQ(done.size(), 4);
+    EXPECT_EQ(done.size(), 5);
 }
 
 TEST(HeldKey, TellsPressesFromRepetitions) {

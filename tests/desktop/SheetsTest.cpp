@@ -1,6 +1,7 @@
 #include "desktop/DashboardTest.h"
 #include "support/Files.h"
 #include "support/desktop/HttpServer.h"
+#include "support/desktop/NeighbourProgram.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -32,6 +33,7 @@ protected:
 }  // namespace
 
 TEST_F(SheetsTest, AReaderTakesAPresetFromSavingToDeletion) {
+    const NeighbourProgram editor(desktop.environment(), u"Editor"_s);
     openWithMask();
     shortcut('s');
     EXPECT_TRUE(shows({u"Save Preset"_s, u"Capture current masks as a reusable layout."_s,
@@ -40,10 +42,15 @@ TEST_F(SheetsTest, AReaderTakesAPresetFromSavingToDeletion) {
     EXPECT_TRUE(named(u"create-mask-button"_s).isEmpty()) << "what is behind is offered";
     ASSERT_TRUE(use({u"type"_s, u"preset-name-field"_s, u"Calls"_s}));
     ASSERT_TRUE(use({u"press"_s, u"preset-auto-apply-switch"_s}));
-    EXPECT_TRUE(shows({u"Will auto-apply when Veyla becomes active."_s}));
+    EXPECT_TRUE(shows({u"Veyla itself is in front."_s}));
+    ASSERT_TRUE(use({u"press"_s, u"preset-choose-app-button"_s}));
+    ASSERT_TRUE(waitUntil([&] { return menu().has_value(); }));
+    key(down);
+    key(enter);
+    EXPECT_TRUE(shows({u"Will auto-apply when Editor becomes active."_s}));
     ASSERT_TRUE(use({u"press"_s, u"save-preset-button"_s}));
     ASSERT_TRUE(becomes("presets", "name", u"Calls"_s));
-    EXPECT_TRUE(shows({u"create-mask-button"_s, u"Presets: 1"_s, u"Auto for Veyla • P0"_s,
+    EXPECT_TRUE(shows({u"create-mask-button"_s, u"Presets: 1"_s, u"Auto for Editor • P0"_s,
                        u"Preset: Calls, 1 masks, trigger: Manual"_s, part("preset-card")}));
 
     for (const QStringList& arguments : {QStringList{u"press"_s, part("preset-manual")},
