@@ -55,7 +55,7 @@ bool BackdropPainter::follow(bool isNeeded) {
     const bool wasActive = m_source.isActive();
     m_source.setActive(isNeeded);
     if (m_source.isActive() == wasActive) return false;
-    m_changed = {};
+    m_changes.clear();
     m_isRefreshing = false;
     m_pendingRefresh.reset();
     m_lifetime.reset();
@@ -68,13 +68,18 @@ bool BackdropPainter::follow(bool isNeeded) {
 
 void BackdropPainter::noteChange(const QRegion& region) {
     if (!m_source.isActive()) return;
-    const auto masks = m_shownMasks();
-    const bool isBelowMask = std::any_of(masks.begin(), masks.end(), [&](const Mask& mask) {
-        return mask.picture && region.intersects(mask.window->rect());
-    });
-    if (!isBelowMask) return;
-    m_changed += region;
+    m_changes.push_back(region);
     schedule();
+}
+
+bool BackdropPainter::isChangeBelowMask() const {
+    const auto masks = m_shownMasks();
+    return std::any_of(masks.begin(), masks.end(), [&](const Mask& mask) {
+        return mask.picture &&
+               std::any_of(m_changes.begin(), m_changes.end(), [&](const QRegion& change) {
+                   return change.intersects(mask.window->rect());
+               });
+    });
 }
 
 QRegion BackdropPainter::interest() const {
@@ -121,11 +126,16 @@ void BackdropPainter::prepareOrder(const std::vector<Mask>& wanted,
     };
 
     int budget = portionPixels;
+    // Whether all so far were there before, and in this order.
+    bool isAsBefore = true;
+    std::optional<std::size_t> lastPlace;
     for (std::size_t i = 0; i < wanted.size(); ++i) {
+        const auto own = place(wanted[i]);
+        isAsBefore = isAsBefore && own && (!lastPlace || *lastPlace < *own);
+        lastPlace = own;
         if (!wanted[i].picture) continue;
         ComposedPicture& picture = *wanted[i].picture;
         const QRect rect = wanted[i].window->rect();
-        const auto own = place(wanted[i]);
         if (!own || wanted[i].window->picture() == XCB_NONE) {
             // What it showed when it was last on screen may be hidden by others now.
             picture.forgetGlass();
@@ -134,11 +144,13 @@ void BackdropPainter::prepareOrder(const std::vector<Mask>& wanted,
             noteChange(rect);
             continue;
         }
+        if (isAsBefore) continue;
         QRegion uncovered;
         for (std::size_t j = 0; j < i; ++j) {
             const auto other = place(wanted[j]);
             const bool wasBelow = other && *other < *own;
-            if (!wasBelow) uncovered += wanted[j].window->rect() & rect;
+            if (!wasBelow && wanted[j].window->rect().intersects(rect))
+                uncovered += wanted[j].window->rect() & rect;
         }
         if (uncovered.isEmpty()) continue;
         // Of what it took along when it was moved, nobody knows what is hidden there.
@@ -152,7 +164,10 @@ void BackdropPainter::prepareOrder(const std::vector<Mask>& wanted,
 
 void BackdropPainter::schedule() {
     if (m_isRefreshing || m_pendingRefresh.isActive() || !m_source.isKnown()) return;
-    if (m_changed.isEmpty() && !m_source.isDamaged(interest())) return;
+    if (!isChangeBelowMask()) {
+        m_changes.clear();
+        if (!m_source.isDamaged(interest())) return;
+    }
     using namespace std::chrono;
     const auto wait =
         duration_cast<milliseconds>(m_lastRefresh + displayFrame - steady_clock::now());
@@ -165,7 +180,7 @@ void BackdropPainter::begin() {
     m_lastRefresh = std::chrono::steady_clock::now();
     m_isRefreshing = true;
     m_source.takeDamage(interest(), m_lifetime->guard([this](const QRegion& changed) {
-        m_changed += changed;
+        m_changes.push_back(changed);
         distribute();
         work();
     }));
@@ -178,14 +193,17 @@ void BackdropPainter::distribute() {
         if (!mask.picture) continue;
         const QRect rect = mask.window->rect();
         ComposedPicture& picture = *mask.picture;
-        const QRegion below = m_changed.intersected(rect).translated(-rect.topLeft());
+        QRegion below;
+        for (const QRegion& change : m_changes)
+            if (change.intersects(rect)) below += change & rect;
+        below.translate(-rect.topLeft());
         const QRegion affected = picture.spread(below);
         if (below.isEmpty() || affected.isEmpty()) continue;
         picture.uncomposed += affected;
         if (picture.needsCapture()) picture.uncaptured += below;
-        m_changed += affected.translated(rect.topLeft());
+        m_changes.push_back(affected.translated(rect.topLeft()));
     }
-    m_changed = {};
+    m_changes.clear();
 }
 
 void BackdropPainter::work() {

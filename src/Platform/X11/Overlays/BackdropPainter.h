@@ -54,6 +54,7 @@ public:
 private:
     ComposedPicture::DrawGround groundOf(const std::vector<Mask>& masks, std::size_t index);
     QRegion interest() const;
+    bool isChangeBelowMask() const;
     void schedule();
     void begin();
     void distribute();
@@ -68,7 +69,7 @@ private:
     ScratchPictures m_scratch;
     BackdropSource m_source;
     /// On the root, since the last refresh began.
-    QRegion m_changed;
+    std::vector<QRegion> m_changes;
     bool m_isRefreshing = false;
     std::chrono::steady_clock::time_point m_lastRefresh;
     Subscription m_pendingRefresh;
