@@ -211,7 +211,7 @@ TEST_F(Translucent, AMaskShowsWhatLiesBelowAndFollowsIt) {
     EXPECT_TRUE(shows({250, 300}, 127, 127));
     neighbour.setColor(window, Qt::red);
     EXPECT_TRUE(shows({250, 300}, 127, 0)) << "its content changed";
-    input.drag({150, 230}, {400, 280});
+    input.drag(middleOf(mask), middleOf(mask) + QPoint(250, 0));
     EXPECT_TRUE(shows({250, 300}, 255, 0));
     EXPECT_TRUE(shows({450, 300}, 127, 0)) << "the mask moved";
     neighbour.move(window, {700, 500, 300, 200});
