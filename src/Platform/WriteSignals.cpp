@@ -1,15 +1,18 @@
 #include "Platform/WriteSignals.h"
 
+#include <array>
 #include <csignal>
 
 namespace {
+
+constexpr std::array writeSignals{SIGPIPE, SIGXFSZ};
 
 void absorb(int) {}
 
 }  // namespace
 
 void absorbWriteSignals() {
-    for (const int signal : {SIGPIPE, SIGXFSZ}) {
+    for (const int signal : writeSignals) {
         struct sigaction former = {};
         if (sigaction(signal, nullptr, &former) != 0 || former.sa_handler == SIG_IGN) continue;
         struct sigaction action = {};
