@@ -46,7 +46,8 @@ const int rounds = [] {
 }  // namespace
 
 std::vector<ManagedDesktop> chosenDesktops() {
-    const QString names = qEnvironmentVariable("VEYLA_LEAK_MANAGERS", u"openbox,picom,mutter,kwin"_s);
+    const QString names =
+        qEnvironmentVariable("VEYLA_LEAK_MANAGERS", u"openbox,picom,mutter,kwin"_s);
     std::vector<ManagedDesktop> chosen;
     for (const QString& name : names.split(u',')) {
         const auto found =
@@ -156,6 +157,7 @@ void LeakTest::measure(const LeakScenario& scenario) {
         awaitAnswers();
     }
     if (!scenario.preset.isEmpty()) apply(scenario.preset);
+    const bool hadFailure = HasFailure();
     auto isWell = settles();
     if (isWell) isWell = provesMeter();
     m_meter->reset();
@@ -166,14 +168,17 @@ void LeakTest::measure(const LeakScenario& scenario) {
     const LeakMeter::Tally tally = m_meter->tally();
     // Nothing is left that no command hides.
     if (isWell && scenario.kind == Kind::unpreventable) isWell = provesMeter();
-    EXPECT_TRUE(isWell);
+    EXPECT_TRUE(isWell) << process->standardError().constData();
     m_isBroken = !isWell;
     static const char* const kinds[] = {"own", "newcomer", "unpreventable"};
     std::printf("leak|%s|%s|%s|%d|%d|%d|%.2f|%s|%d|%.2f|%s\n", GetParam().name.c_str(),
                 scenario.name, kinds[static_cast<int>(scenario.kind)], rounds, tally.readings,
                 tally.leaks.stretches, tally.leaks.longest.count(),
                 QColor(tally.leaks.strongest).name().toLatin1().constData(), tally.covers.stretches,
-                tally.covers.longest.count(), isWell ? "back" : "never");
+                tally.covers.longest.count(),
+                !isWell                       ? "never"
+                : !hadFailure && HasFailure() ? "failed"
+                                              : "back");
     if (scenario.kind != Kind::unpreventable) {
         EXPECT_EQ(tally.leaks.stretches, 0) << QColor(tally.leaks.strongest).name().toStdString()
                                             << " for " << tally.leaks.longest.count() << " ms";

@@ -46,7 +46,7 @@ struct LeakScenario {
 /// A line for each scenario goes to the standard output: the desktop, the scenario, its kind, the
 /// rounds, the readings, how often the secret showed, the longest time of it in milliseconds, its
 /// strongest colour, how often something covered the masks, the longest time of that, and whether
-/// the masks were "back" at the end or "never".
+/// the masks were "back" at the end or "never", or something else "failed".
 class LeakTest : public testing::TestWithParam<ManagedDesktop>, protected VeylaSession {
 protected:
     using Kind = LeakScenario::Kind;

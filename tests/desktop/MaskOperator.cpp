@@ -17,7 +17,9 @@ namespace {
 bool operate(AppState& state, const QStringList& arguments) {
     const qsizetype index = arguments.value(1).toInt();
     const QString value = arguments.value(2);
-    const auto mask = [&] { return state.masks.newest().at(index).id; };
+    // By copy: the operations change the lists.
+    const auto mask = [&]() -> QUuid { return state.masks.newest().at(index).id; };
+    const auto group = [&]() -> QUuid { return state.groups.newest().at(index).id; };
     const QMap<QString, std::function<void()>> operations{
         {u"select"_s, [&] { state.selectMask(mask()); }},
         {u"opacity"_s, [&] { state.setOpacity(mask(), value.toDouble()); }},
@@ -28,8 +30,7 @@ bool operate(AppState& state, const QStringList& arguments) {
         {u"resize"_s, [&] { state.resizeSelectedMask(value.toDouble(), value.toDouble()); }},
         {u"duplicate"_s, [&] { state.duplicateSelectedMask(); }},
         {u"delete"_s, [&] { state.deleteSelectedMask(); }},
-        {u"group-visible"_s,
-         [&] { state.toggleGroupVisibility(state.groups.newest().at(index).id); }},
+        {u"group-visible"_s, [&] { state.toggleGroupVisibility(group()); }},
     };
     const auto operation = operations.value(arguments.first());
     if (operation) operation();

@@ -14,20 +14,24 @@ WindowManager::WindowManager(const QProcessEnvironment& environment, const QStri
         const unsigned window = owner(environment);
         return window != XCB_NONE && window != m_former;
     });
-    // Openbox 3.6 can go to sleep on a request that came while it started, until any other event
-    // wakes it.
+    // A window that comes while it takes over may escape it.
+    requireSoon("the window manager manages a window", [&] { return isManaging(environment); });
+}
+
+bool WindowManager::isManaging(const QProcessEnvironment& environment) {
     NeighbourClient sample(environment.value(u"DISPLAY"_s));
     const xcb_window_t window = sample.create({.frame = {0, 0, 1, 1}});
-    const QString clients = u"_NET_CLIENT_LIST"_s;
     const auto isManaged = [&] {
+        // Openbox 3.6 can go to sleep on a request that came while it started, until any other
+        // event wakes it.
         sample.setNumbers(sample.root(), u"_VEYLA_TEST_WAKE"_s, u"CARDINAL"_s, {0});
-        const std::vector<std::uint32_t> managed = sample.numbersOf(sample.root(), clients);
+        const auto managed = sample.numbersOf(sample.root(), u"_NET_CLIENT_LIST"_s);
         return std::find(managed.begin(), managed.end(), window) != managed.end();
     };
     sample.map(window);
-    requireSoon("the window manager manages a window", isManaged);
+    if (!waitUntil(isManaged, std::chrono::seconds(1))) return false;
     sample.destroy(window);
-    requireSoon("the window manager forgets a window", [&] { return !isManaged(); });
+    return waitUntil([&] { return !isManaged(); });
 }
 
 unsigned WindowManager::owner(const QProcessEnvironment& environment) {

@@ -14,6 +14,9 @@ private:
     /// The window that holds the selection for the current manager, XCB_NONE without one.
     static unsigned owner(const QProcessEnvironment& environment);
 
+    /// Whether a window that is mapped now gets managed, and is forgotten when it goes.
+    static bool isManaging(const QProcessEnvironment& environment);
+
     unsigned m_former;
     ChildProcess m_process;
 };
