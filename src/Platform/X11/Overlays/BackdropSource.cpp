@@ -203,16 +203,23 @@ void BackdropSource::readRootColor() {
 void BackdropSource::draw(ServerPicture& target, QPoint origin, const QRegion& area,
                           const std::vector<OwnLayer>& ownBelow, xcb_window_t above) {
     drawRoot(target, origin, area);
-    // A window of another program may be found above a mask, but not for long.
     const auto& windows = m_windows.bottomToTop();
-    for (const TopLevelWindows::Entry& entry : windows)
+    auto end =
+        std::find_if(windows.begin(), windows.end(),
+                     [&](const TopLevelWindows::Entry& entry) { return entry.window == above; });
+    // One that is not among them is new, and goes above them. But what a compositor paints on is a
+    // window too, and the topmost.
+    if (end == windows.end() && m_isBlending) end = windows.begin();
+    // A window of another program may be found above a mask, but not for long. What a mask is to
+    // hide again in a moment must not be seen through another one then.
+    std::for_each(windows.begin(), end, [&](const TopLevelWindows::Entry& entry) {
         if (!m_connection.owns(entry.window) && !m_isOwnWindow(entry.window))
             drawForeign(target, origin, area, entry);
+    });
     // The windows of this program have their places among the masks. Where the order on the server
     // is not yet what is wanted, a mask is rather drawn over such a window than left out.
     std::vector<OwnLayer> left = ownBelow;
-    for (const TopLevelWindows::Entry& entry : windows) {
-        if (entry.window == above) break;
+    std::for_each(windows.begin(), end, [&](const TopLevelWindows::Entry& entry) {
         const auto own = std::find_if(left.begin(), left.end(), [&](const OwnLayer& layer) {
             return layer.window == entry.window;
         });
@@ -223,7 +230,7 @@ void BackdropSource::draw(ServerPicture& target, QPoint origin, const QRegion& a
         } else if (!m_connection.owns(entry.window) && m_isOwnWindow(entry.window)) {
             drawForeign(target, origin, area, entry);
         }
-    }
+    });
     for (const OwnLayer& layer : left)
         drawOwn(target, origin, area, layer);
     target.setClip(QRect(QPoint(0, 0), target.size()));
@@ -306,7 +313,6 @@ void BackdropSource::takeDamage(const QRegion& interest,
                                 std::function<void(const QRegion& changed)> take) {
     const auto answers = std::make_shared<DamageAnswers>();
     answers->take = std::move(take);
-    // Until all have been asked.
     answers->awaited = 1;
     for (const TopLevelWindows::Entry& entry : m_windows.bottomToTop()) {
         const auto watched = m_watched.find(entry.window);
@@ -329,5 +335,9 @@ void BackdropSource::takeDamage(const QRegion& interest,
                             answers->add(changed.translated(inner));
                         }));
     }
-    answers->add({});
+    // The answer comes after the events that the requests so far have brought about.
+    m_connection.whenReplied<xcb_get_input_focus_reply_t>(
+        xcb_get_input_focus(m_connection),
+        m_lifetime->guard(
+            [answers](const XcbReply<xcb_get_input_focus_reply_t>&) { answers->add({}); }));
 }

@@ -68,9 +68,9 @@ public:
 
     /// Whether anything has changed in a window that reaches into the region.
     bool isDamaged(const QRegion& interest) const;
-    /// Tells, when the server has answered, what has changed in the windows that reach into the
-    /// region, and asks to be told of further changes. Windows elsewhere are left alone: those
-    /// that have changed once cost nothing any more.
+    /// Tells, when the server has answered and all events before that have been handled, what has
+    /// changed in the windows that reach into the region, and asks to be told of further changes.
+    /// Windows elsewhere are left alone: those that have changed once cost nothing any more.
     void takeDamage(const QRegion& interest, std::function<void(const QRegion& changed)> take);
 
 private:

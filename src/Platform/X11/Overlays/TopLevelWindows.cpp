@@ -41,8 +41,8 @@ std::optional<std::size_t> TopLevelWindows::indexOf(xcb_window_t window) const {
 }
 
 void TopLevelWindows::askForTree() {
-    m_isTreeAwaited = true;
-    m_isTreeOutdated = false;
+    m_isTreeOutdated = m_isTreeAwaited;
+    if (std::exchange(m_isTreeAwaited, true)) return;
     m_connection.whenReplied<xcb_query_tree_reply_t>(
         xcb_query_tree(m_connection, m_connection.root()),
         m_lifetime->guard(
@@ -50,12 +50,20 @@ void TopLevelWindows::askForTree() {
 }
 
 void TopLevelWindows::takeTree(const xcb_query_tree_reply_t* tree) {
+    m_isTreeAwaited = false;
     // Some of what has happened meanwhile may not be in it.
     if (m_isTreeOutdated) return askForTree();
-    m_isTreeAwaited = false;
     if (!tree) return;
+    const std::vector<Entry> known = std::exchange(m_entries, {});
     const xcb_window_t* const children = xcb_query_tree_children(tree);
     for (int i = 0; i < xcb_query_tree_children_length(tree); ++i) {
+        const auto found = std::find_if(known.begin(), known.end(), [&](const Entry& entry) {
+            return entry.window == children[i];
+        });
+        if (found != known.end()) {
+            m_entries.push_back(*found);
+            continue;
+        }
         m_entries.emplace_back().window = children[i];
         if (!m_connection.owns(children[i])) askAbout(children[i]);
     }
@@ -144,10 +152,7 @@ void TopLevelWindows::handleEvent(const xcb_generic_event_t& event) {
             if (reparent.event != root) return;
             // A window that a manager put into a frame is a top-level window no more.
             if (reparent.parent != root) return remove(reparent.window);
-            m_isTreeOutdated = true;
-            if (indexOf(reparent.window) || m_isTreeAwaited) return;
-            m_entries.emplace_back().window = reparent.window;
-            if (!m_connection.owns(reparent.window)) askAbout(reparent.window);
+            if (!indexOf(reparent.window)) askForTree();
             break;
         }
         case XCB_DESTROY_NOTIFY: {
@@ -180,8 +185,9 @@ void TopLevelWindows::handleConfigure(const xcb_configure_notify_event_t& event)
 }
 
 void TopLevelWindows::add(xcb_window_t window, const QRect& rect, int border) {
-    m_isTreeOutdated = true;
-    if (m_isTreeAwaited || indexOf(window)) return;
+    if (indexOf(window)) return;
+    // New windows lie above all others, but not above the one that a compositor paints on.
+    askForTree();
     Entry& entry = m_entries.emplace_back();
     entry.window = window;
     entry.rect = rect;
@@ -192,11 +198,11 @@ void TopLevelWindows::add(xcb_window_t window, const QRect& rect, int border) {
 
 void TopLevelWindows::remove(xcb_window_t window) {
     m_isTreeOutdated = true;
+    onGone(window);
     const auto index = indexOf(window);
     if (!index) return;
     const Entry entry = m_entries[*index];
     m_entries.erase(m_entries.begin() + static_cast<std::ptrdiff_t>(*index));
-    onGone(window);
     if (entry.isVisible()) tellChange(entry.rect);
 }
 
