@@ -36,11 +36,11 @@ DesktopSession::Options optionsOf(const ManagedDesktop& desktop, QSize screenSiz
             .hasCompositor = desktop.hasCompositor};
 }
 
-// Read before the tests' environment takes the place of the outer one.
+// Read before the tests' environment takes the place of the outer one. Even, because many scenarios
+// go there in one round and back in the next.
 const int rounds = [] {
-    bool isGiven = false;
-    const int given = qEnvironmentVariableIntValue("VEYLA_LEAK_ROUNDS", &isGiven);
-    return isGiven ? given : 2;
+    const int given = qEnvironmentVariableIntValue("VEYLA_LEAK_ROUNDS");
+    return std::max(2, given + given % 2);
 }();
 
 }  // namespace
@@ -71,6 +71,7 @@ void LeakTest::SetUp() {
         return !GetParam().isCompositing || probe.selectionOwner(u"_NET_WM_CM_S0"_s) != XCB_NONE;
     });
     // A whole screen would make compositors step aside.
+
     neighbour.open({.frame = QRect(QPoint(0, 0), m_screenSize).adjusted(10, 10, -10, -10),
                     .color = QColor(LeakMeter::secretColor),
                     .isOverrideRedirect = true,
@@ -179,6 +180,7 @@ void LeakTest::measure(const LeakScenario& scenario) {
                 !isWell                       ? "never"
                 : !hadFailure && HasFailure() ? "failed"
                                               : "back");
+    std::fflush(stdout);
     if (scenario.kind != Kind::unpreventable) {
         EXPECT_EQ(tally.leaks.stretches, 0) << QColor(tally.leaks.strongest).name().toStdString()
                                             << " for " << tally.leaks.longest.count() << " ms";
