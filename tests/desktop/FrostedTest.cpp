@@ -280,3 +280,26 @@ TEST(RaisedSurface, NeverShowsWhatTheOneThatWasAboveItHid) {
         EXPECT_EQ(watch.end(), 0);
     }
 }
+
+TEST(ChangedSurface, HidesWhatItHidesFromThenOn) {
+    const QPoint middle(300, 300);
+    for (const double blur : {0.0, 20.0}) {
+        SCOPED_TRACE(blur);
+        X11Harness harness;
+        NeighbourClient neighbour;
+        neighbour.open({.frame = {0, 0, 1280, 800}, .isOverrideRedirect = true});
+        const auto surface = harness.surfaces().createSurface(
+            {u"mask"_s, QUuid::createUuid(), {100, 400, 400, 200}}, nullptr);
+        surface->orderFront();
+        const auto comesToShow = [&](const QColor& color, double deviation, bool isSeenThrough) {
+            surface->setContent(std::make_shared<PlainContent>(color, deviation));
+            return harness.waitUntil([&] {
+                return (Screenshot(neighbour).pixel(middle).green() > 100) == isSeenThrough;
+            });
+        };
+        for (int i = 0; i < 2; ++i) {
+            EXPECT_TRUE(comesToShow(QColor(0, 0, 0, 100), blur, true));
+            EXPECT_TRUE(comesToShow(Qt::black, 0, false));
+        }
+    }
+}

@@ -308,11 +308,16 @@ TEST_P(Leaks, UntilAHostileNeighbourIsUndone) {
 
 TEST_P(Leaks, NothingWhileTheScreenIsLocked) {
     startMeasuring();
-    measure({"screen locked", Kind::unpreventable, [&](int) {
+    measure({"screen locked", Kind::unpreventable, [&](int round) {
                  NeighbourClient locker(desktop.displayName());
                  auto options = newcomer();
                  options.frame = QRect(QPoint(0, 0), 2 * center());
                  options.title = u"Locker"_s;
+                 // Lockers do either. Under mutter, who comes later is painted on top for good.
+                 const bool grabsFirst = round % 2 == 0 || GetParam().name == "mutter";
+                 if (grabsFirst) {
+                     EXPECT_TRUE(locker.grabKeyboard());
+                 }
                  const xcb_window_t window = locker.open(options);
                  EXPECT_TRUE(locker.grabKeyboard());
                  // As lockers do whenever something obscures them.

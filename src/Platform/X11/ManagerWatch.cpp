@@ -18,19 +18,14 @@ ManagerWatch::ManagerWatch(XcbConnection& connection, SystemLog& log)
         const auto& property = reinterpret_cast<const xcb_property_notify_event_t&>(event);
         if (property.window == m_connection.root() &&
             property.atom == m_connection.atoms().netSupportingWmCheck)
-            m_paintOrder.reset();
+            m_paintOrder = readPaintOrder();
     }));
     m_subscriptions.keep(
-        m_manager.owner().subscribe([this](xcb_window_t) { m_paintOrder.reset(); }));
+        m_manager.owner().subscribe([this](xcb_window_t) { m_paintOrder = readPaintOrder(); }));
     m_subscriptions.keep(
         m_compositor.owner().subscribe([this, isFirst = true](xcb_window_t) mutable {
             if (!std::exchange(isFirst, false) && onCompositorReplaced) onCompositorReplaced();
         }));
-}
-
-PaintOrder ManagerWatch::paintOrder() {
-    if (!m_paintOrder) m_paintOrder = readPaintOrder();
-    return m_paintOrder.value_or(PaintOrder::stacked);
 }
 
 // Nothing when there is a manager and it has not told what it is.

@@ -31,7 +31,11 @@ public:
 
     /// Whether a compositor shows what lies below transparent pixels.
     bool isCompositing() const { return m_compositor.owner().newest() != XCB_NONE; }
-    PaintOrder paintOrder();
+    PaintOrder paintOrder() const { return m_paintOrder.value_or(PaintOrder::stacked); }
+    /// Asks the server again as long as the manager has not told what it is.
+    void learnPaintOrder() {
+        if (!m_paintOrder) m_paintOrder = readPaintOrder();
+    }
 
 private:
     std::optional<PaintOrder> readPaintOrder() const;
@@ -41,7 +45,7 @@ private:
     XcbConnection& m_connection;
     SelectionOwner m_manager;
     SelectionOwner m_compositor;
-    // Nothing while it has to be read.
+    // Nothing while it is not known.
     std::optional<PaintOrder> m_paintOrder;
     SubscriptionBag m_subscriptions;
 };

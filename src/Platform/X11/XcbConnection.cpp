@@ -144,6 +144,10 @@ Subscription XcbConnection::onPointerEvent(EventHandler handler) {
     return m_pointerEvent.subscribe(forAnEvent(std::move(handler)));
 }
 
+Subscription XcbConnection::onForgedEvent(EventHandler handler) {
+    return m_forgedEvent.subscribe(forAnEvent(std::move(handler)));
+}
+
 Subscription XcbConnection::onBurstEnd(std::function<void()> callback) {
     return m_burstEnd.subscribe(std::move(callback));
 }
@@ -201,12 +205,14 @@ void XcbConnection::dispatchBurst(xcb_generic_event_t* first) {
     XcbReply<xcb_generic_event_t> event(first);
     Published<const xcb_generic_event_t*>* told = nullptr;
     while (event) {
-        auto& field = isOfPointer(*event) ? m_pointerEvent : m_event;
+        auto& field = isForged(*event)      ? m_forgedEvent
+                      : isOfPointer(*event) ? m_pointerEvent
+                                            : m_event;
         // What the other one holds has gone.
         if (told && told != &field) told->set(nullptr);
         told = &field;
         const bool isError = event->response_type == 0;
-        if (!isError && !isForged(*event)) field.set(event.get());
+        if (!isError) field.set(event.get());
         event.reset(xcb_poll_for_queued_event(m_connection));
     }
     told->set(nullptr);

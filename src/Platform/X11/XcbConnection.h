@@ -80,6 +80,9 @@ public:
     /// Calls back with every event but those of the pointer, in order. Errors are not events,
     /// and neither is what another program has sent to look like one.
     Subscription onEvent(EventHandler handler);
+    /// Calls back with what another program has sent to look like an event. Others may take it for
+    /// one.
+    Subscription onForgedEvent(EventHandler handler);
     /// Calls back with every event of the pointer: its buttons, its motion, and its coming and
     /// going. They are many and wanted by few.
     Subscription onPointerEvent(EventHandler handler);
@@ -144,6 +147,7 @@ private:
     std::unique_ptr<QSocketNotifier> m_socketNotifier;
     Published<const xcb_generic_event_t*> m_event{nullptr};
     Published<const xcb_generic_event_t*> m_pointerEvent{nullptr};
+    Published<const xcb_generic_event_t*> m_forgedEvent{nullptr};
     Notifier m_burstEnd;
     Notifier m_connectionLost;
 };

@@ -33,8 +33,7 @@ bool Contests::mayAnswer(const std::vector<Rival>& rivals) {
         if (contest.answers.size() < (contest.isSlow ? mostAnswersWhenSlow : mostAnswers)) {
             may = true;
         } else if (!contest.isSlow) {
-            m_hasBegun |= std::none_of(m_contests.begin(), m_contests.end(),
-                                       [](const auto& each) { return each.second.isSlow; });
+            m_hasBegun = true;
             contest.isSlow = true;
         }
     }
@@ -47,5 +46,9 @@ void Contests::noteAnswer(const std::vector<Rival>& rivals) {
 }
 
 bool Contests::takeBeginning() {
-    return std::exchange(m_hasBegun, false);
+    if (!std::exchange(m_hasBegun, false)) return false;
+    const auto now = Clock::now();
+    const bool isFirst = !m_lastBeginning || now - *m_lastBeginning > std::chrono::minutes(1);
+    if (isFirst) m_lastBeginning = now;
+    return isFirst;
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -20,7 +21,7 @@ public:
     bool mayAnswer(const std::vector<Rival>& rivals);
     /// Takes note of an answer to all of them.
     void noteAnswer(const std::vector<Rival>& rivals);
-    /// Whether a contest has begun since the last call, while there was no other.
+    /// Whether a contest has begun since the last call, and none in the minute before.
     bool takeBeginning();
 
 private:
@@ -34,4 +35,5 @@ private:
 
     std::unordered_map<Rival, Contest> m_contests;
     bool m_hasBegun = false;
+    std::optional<Clock::time_point> m_lastBeginning;
 };

@@ -156,14 +156,17 @@ void NativeOverlayWindow::present() {
     }
     if (std::exchange(m_isPlaced, true)) return;
     m_presentedSize = m_rect.size();
-    const std::array<uint32_t, 4> values{static_cast<uint32_t>(serverPosition(m_rect.x())),
+    // Nobody gives it a border, other programs excepted.
+    const std::array<uint32_t, 5> values{static_cast<uint32_t>(serverPosition(m_rect.x())),
                                          static_cast<uint32_t>(serverPosition(m_rect.y())),
-                                         serverLength(m_rect.width()), serverLength(m_rect.height())};
-    m_placeSequence = xcb_configure_window(m_connection, m_id,
-                                           XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y |
-                                               XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
-                                           values.data())
-                          .sequence;
+                                         serverLength(m_rect.width()),
+                                         serverLength(m_rect.height()), 0};
+    m_placeSequence =
+        xcb_configure_window(m_connection, m_id,
+                             XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                                 XCB_CONFIG_WINDOW_HEIGHT | XCB_CONFIG_WINDOW_BORDER_WIDTH,
+                             values.data())
+            .sequence;
 }
 
 void NativeOverlayWindow::showPictureAgain(const QRegion& region) {
@@ -208,6 +211,7 @@ void NativeOverlayWindow::restoreShapes() {
     // A copy, because setting them replaces what is kept.
     setBoundingAreas(std::optional(m_boundingAreas));
     applyInputShape();
+    xcb_shape_mask(m_connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_CLIP, m_id, 0, 0, XCB_NONE);
 }
 
 void NativeOverlayWindow::setCursor(xcb_cursor_t cursor) {

@@ -60,14 +60,14 @@ public:
     /// The newest picture that the window was given; XCB_NONE before the first.
     xcb_pixmap_t picture() const { return m_picture; }
 
-    /// Both take effect with the next `present`.
-    void setRect(const QRect& rect);
-    /// Gives the window a new picture of the given size, painted part by part: each image lies at
-    /// the position beside it. A window of another size must be given that size as well.
     struct Part {
         QPoint position;
         QImage image;
     };
+    /// These take effect with the next `present`.
+    void setRect(const QRect& rect);
+    /// Gives the window a new picture of the given size, painted part by part: each image lies at
+    /// the position beside it. A window of another size must be given that size as well.
     void setPicture(QSize size, const QList<Part>& parts);
     /// The same with a pixmap of the window's depth, which the window owns from now on.
     void setPicture(xcb_pixmap_t pixmap);
@@ -96,7 +96,7 @@ public:
     bool knowsMapping(const xcb_generic_event_t& event) const;
     /// The same for the window's place.
     bool knowsPlace(const xcb_generic_event_t& event) const;
-    void noteForeignUnmap() { m_isMapped = false; }
+    void noteForeignMapping(bool isMapped) { m_isMapped = isMapped; }
     /// Puts the window back to its place.
     void restoreRect() { m_isPlaced = false; }
     /// Gives the window its own shapes again.

@@ -115,14 +115,15 @@ bool StackingGuard::canChangeOrder(const xcb_configure_notify_event_t& event) {
     const auto [known, isNew] = m_siblings.try_emplace(event.window, event.above_sibling);
     const bool isMoved =
         isNew || std::exchange(known->second, event.above_sibling) != event.above_sibling;
-    return isMoved || m_isSomethingAbove;
+    return isMoved || needsToHearOfMoves();
 }
 
 void StackingGuard::audit() {
-    if (m_delayedAudit.isActive() || m_client.shownWindows().empty()) return;
+    if (m_client.shownWindows().empty()) return;
     const auto intruders = findIntruders();
     if (intruders.empty()) return;
     if (m_contests.mayAnswer(intruders)) return raiseAgainst(intruders);
+    if (m_delayedAudit.isActive()) return;
     if (m_contests.takeBeginning()) logContest(intruders.front());
     m_delayedAudit = m_scheduler.after(Contests::delay, [this] {
         m_delayedAudit.reset();
@@ -169,6 +170,7 @@ std::vector<xcb_window_t> StackingGuard::windowsToLookAt(const std::vector<xcb_w
 
 std::vector<xcb_window_t> StackingGuard::findIntruders() {
     m_ceiling.reset();
+    m_managers.learnPaintOrder();
     const auto shown = m_client.shownWindows();
     const std::unordered_set<xcb_window_t> isShown(shown.begin(), shown.end());
     const auto windows = m_connection.children(m_connection.root());
@@ -196,7 +198,7 @@ std::vector<xcb_window_t> StackingGuard::findIntruders() {
                         [&](const QRect& mask) { return mask.intersects(neighbour.rect); });
         if (!isOverMask) continue;
         if (m_client.isScreenLocker(neighbour)) {
-            // What lies above it covers a screen that shows nothing of the masks.
+            // Right below it, masks cannot lie above what is higher.
             m_ceiling = neighbour.window;
             break;
         }

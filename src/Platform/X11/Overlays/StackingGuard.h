@@ -52,7 +52,7 @@ public:
     void audit();
     /// Whether a mask that moves may come to lie below something. The guard must then hear of it
     /// from the server.
-    bool needsToHearOfMoves() const { return m_isSomethingAbove; }
+    bool needsToHearOfMoves() const { return m_isSomethingAbove || !m_newlyMapped.empty(); }
 
     /// The lowest window that may stay above the masks, as far as is known.
     std::optional<xcb_window_t> ceiling() const { return m_ceiling; }

@@ -21,6 +21,8 @@ TamperGuard::TamperGuard(XcbConnection& connection, Scheduler& scheduler, System
     m_connection.selectRootEvents(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
     m_subscriptions.keep(
         m_connection.onEvent([this](const xcb_generic_event_t& event) { handleEvent(event); }));
+    m_subscriptions.keep(m_connection.onForgedEvent(
+        [this](const xcb_generic_event_t& event) { noteForgery(event); }));
     m_subscriptions.keep(m_connection.onBurstEnd([this] { mendWhenDue(); }));
 }
 
@@ -30,9 +32,17 @@ void TamperGuard::handleEvent(const xcb_generic_event_t& event) {
             const auto& unmap = reinterpret_cast<const xcb_unmap_notify_event_t&>(event);
             auto* const window = m_client.guardedWindow(unmap.window);
             if (!window || !window->isMapped() || !window->knowsMapping(event)) return;
-            window->noteForeignUnmap();
+            window->noteForeignMapping(false);
             m_client.windowWasHidden(unmap.window);
-            m_areSomeHidden = true;
+            m_areSomeShownOrHidden = true;
+            break;
+        }
+        case XCB_MAP_NOTIFY: {
+            const auto& map = reinterpret_cast<const xcb_map_notify_event_t&>(event);
+            auto* const window = m_client.guardedWindow(map.window);
+            if (!window || window->isMapped() || !window->knowsMapping(event)) return;
+            window->noteForeignMapping(true);
+            m_areSomeShownOrHidden = true;
             break;
         }
         case XCB_DESTROY_NOTIFY: {
@@ -63,6 +73,19 @@ void TamperGuard::handleEvent(const xcb_generic_event_t& event) {
     }
 }
 
+// Nothing has happened to the window, but mutter and KWin, which were told the same, paint it no
+// more. A new one they do.
+void TamperGuard::noteForgery(const xcb_generic_event_t& event) {
+    constexpr uint8_t withoutMark = 0x7f;
+    const uint8_t type = event.response_type & withoutMark;
+    const bool isOfWindow = type == XCB_DESTROY_NOTIFY || type == XCB_UNMAP_NOTIFY ||
+                            type == XCB_REPARENT_NOTIFY || type == XCB_CONFIGURE_NOTIFY;
+    if (!isOfWindow || !m_client.isCompositing()) return;
+    // In all of these the window comes at the same place.
+    const auto window = reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window;
+    if (m_client.guardedWindow(window)) m_lost.insert(window);
+}
+
 void TamperGuard::noteConfigure(const xcb_configure_notify_event_t& event) {
     if (event.event != m_connection.root()) return;
     const auto* const window = m_client.guardedWindow(event.window);
@@ -78,8 +101,9 @@ void TamperGuard::noteReshape(const xcb_generic_event_t& event) {
     const auto& shape = reinterpret_cast<const xcb_shape_notify_event_t&>(event);
     const auto* const window = m_client.guardedWindow(shape.affected_window);
     if (!window) return;
-    const bool isWanted = shape.shape_kind == XCB_SHAPE_SK_BOUNDING ? window->hasBoundingAreas()
-                                                                    : window->isInputPassThrough();
+    const bool isWanted =
+        (shape.shape_kind == XCB_SHAPE_SK_BOUNDING && window->hasBoundingAreas()) ||
+        (shape.shape_kind == XCB_SHAPE_SK_INPUT && window->isInputPassThrough());
     if ((shape.shaped != 0) != isWanted) m_reshaped.insert(shape.affected_window);
 }
 
@@ -90,8 +114,8 @@ void TamperGuard::noteProperty(const xcb_property_notify_event_t& event) {
 }
 
 bool TamperGuard::isAnythingToMend() const {
-    return m_areSomeHidden || !m_lost.empty() || !m_displaced.empty() || !m_reshaped.empty() ||
-           !m_faded.empty();
+    return m_areSomeShownOrHidden || !m_lost.empty() || !m_displaced.empty() ||
+           !m_reshaped.empty() || !m_faded.empty();
 }
 
 void TamperGuard::mendWhenDue() {
@@ -110,7 +134,7 @@ void TamperGuard::mendWhenDue() {
 
 void TamperGuard::mend() {
     m_contests.noteAnswer(whoever);
-    m_areSomeHidden = false;
+    m_areSomeShownOrHidden = false;
     for (const xcb_window_t lost : std::exchange(m_lost, {}))
         if (m_client.guardedWindow(lost)) m_client.replaceLostWindow(lost);
     for (const xcb_window_t displaced : std::exchange(m_displaced, {}))

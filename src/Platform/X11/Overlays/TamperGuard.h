@@ -9,8 +9,9 @@
 
 #include <unordered_set>
 
-/// Undoes what other programs do to the overlay windows themselves: one that was hidden, destroyed,
-/// put into another window, moved, resized, cut or made transparent is as it was at the end of the
+/// Undoes what other programs do to the overlay windows themselves: one that was shown, hidden,
+/// destroyed, put into another window, moved, resized, given a border, cut or made transparent is
+/// as it was at the end of the
 /// burst of events that told of it. Against a program that insists it keeps on at a bearable rate,
 /// and says so in the log once.
 class TamperGuard {
@@ -23,6 +24,8 @@ public:
         virtual NativeOverlayWindow* guardedWindow(xcb_window_t window) = 0;
         /// The window has no hold on the pointer any more, and is not mapped.
         virtual void windowWasHidden(xcb_window_t window) = 0;
+        /// Whether a compositor paints the windows by what it hears of them.
+        virtual bool isCompositing() const = 0;
         /// Puts a new window in the place of one that is lost.
         virtual void replaceLostWindow(xcb_window_t window) = 0;
         /// Shows again what was hidden, replaced or put back.
@@ -34,6 +37,7 @@ public:
 
 private:
     void handleEvent(const xcb_generic_event_t& event);
+    void noteForgery(const xcb_generic_event_t& event);
     void noteConfigure(const xcb_configure_notify_event_t& event);
     void noteReshape(const xcb_generic_event_t& event);
     void noteProperty(const xcb_property_notify_event_t& event);
@@ -48,7 +52,7 @@ private:
     uint8_t m_shapeEvent;
     Contests m_contests;
     // What is to be mended.
-    bool m_areSomeHidden = false;
+    bool m_areSomeShownOrHidden = false;
     std::unordered_set<xcb_window_t> m_lost;
     std::unordered_set<xcb_window_t> m_displaced;
     std::unordered_set<xcb_window_t> m_reshaped;

@@ -125,22 +125,24 @@ void X11OverlaySurface::prepare(const DesktopSpace& space) {
     if (isPaintedNow) paint(rect);
     m_window->setRect(rect);
     if (isMoved) m_owner.noteBackdropChange(rect);
-}
-
-void X11OverlaySurface::present() {
-    m_window->present();
-    if (!std::exchange(m_needsApplying, false)) return;
-    m_window->setInputPassThrough(m_ignoresMouseEvents);
     if (m_appliedCursor != m_cursor && m_isShown) {
         m_window->setCursor(m_owner.cursor(m_cursor));
         m_appliedCursor = m_cursor;
     }
 }
 
+void X11OverlaySurface::present() {
+    m_window->present();
+    if (!std::exchange(m_needsApplying, false)) return;
+    m_window->setInputPassThrough(m_ignoresMouseEvents);
+}
+
 void X11OverlaySurface::reuse(RetiredWindows& retired, const DesktopSpace& space) {
     if (!m_isShown || !m_content || m_window->isMapped()) return;
     auto window = retired.take(space.toNative(wantedFrame()), *m_content, m_window->visual());
     if (!window) return;
+    m_composed.reset();
+    m_appliedCursor.reset();
     m_window = std::move(window);
     m_window->setMaskID(m_description.maskID);
     m_needsPainting = false;
@@ -148,7 +150,8 @@ void X11OverlaySurface::reuse(RetiredWindows& retired, const DesktopSpace& space
 
 void X11OverlaySurface::giveUpWindow(RetiredWindows& retired) {
     m_composed.reset();
-    retired.add(std::move(m_window), std::move(m_content));
+    // What has not been painted yet is not what the window shows.
+    retired.add(std::move(m_window), m_needsPainting ? nullptr : std::move(m_content));
 }
 
 bool X11OverlaySurface::isPlacedAnew() {
@@ -179,7 +182,6 @@ void X11OverlaySurface::paint(const QRect& rect) {
 }
 
 void X11OverlaySurface::paintToCompose(const QRect& rect, Size points) {
-    const bool isOfOtherSize = !m_composed || rect.size() != m_window->rect().size();
     if (!m_composed) m_composed = m_owner.makePicture(*m_window);
     ComposedPicture::Look look;
     look.ink =
@@ -194,9 +196,8 @@ void X11OverlaySurface::paintToCompose(const QRect& rect, Size points) {
         painter.fillPath(m_content->blurredShape(points, m_scaleFactor), Qt::black);
     }
     m_composed->setLook(std::move(look), m_window->rect().topLeft() - rect.topLeft());
-    // One that is to be mapped gets its picture then, and one of the same size with the next
-    // refresh.
-    if (m_window->isMapped() && isOfOtherSize) m_owner.renewPicture(*m_composed);
+    // At once, since it may hide more than before. One that is to be mapped gets its picture then.
+    if (m_window->isMapped()) m_owner.renewPicture(*m_composed);
 }
 
 QImage X11OverlaySurface::paintPart(const QRect& part, Size points, QImage::Format format) const {

@@ -12,8 +12,8 @@
 
 class X11OverlaySurfaces;
 
-/// An overlay surface as a window of the X server. It keeps what is wanted; `apply` brings the
-/// window in step with it, so that many changes become one visible step.
+/// An overlay surface as a window of the X server. It keeps what is wanted; `prepare` and
+/// `present` bring the window in step with it, so that many changes become one visible step.
 class X11OverlaySurface final : public OverlaySurface {
 public:
     X11OverlaySurface(X11OverlaySurfaces& owner, SurfaceDescription description,

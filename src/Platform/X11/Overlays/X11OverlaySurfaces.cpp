@@ -161,6 +161,7 @@ void X11OverlaySurfaces::showChanges() {
                     [](const X11OverlaySurface* surface) { return surface->needsPresenting(); });
     if (!isAnythingToShow) return;
 
+    // With the server grabbed, requests only.
     const ServerGrab grab(m_connection);
     for (X11OverlaySurface* surface : m_surfaces)
         surface->present();
@@ -168,12 +169,12 @@ void X11OverlaySurfaces::showChanges() {
     const QList<QRect> mapped = map(shown, first);
     for (std::size_t i = first; i < shown.size(); ++i)
         noteBackdropChange(shown[i]->window().rect());
-    if (unmapHidden()) m_retired.clear();
+    unmapHidden();
+    if (shown.empty()) m_retired.clear();
     m_retired.settle(mapped, isCompositing());
     if (!mapped.isEmpty() && isCompositing())
         m_secondLook = after(RetiredWindows::longestAppearance / 2, [this] { damageShown(); });
-    if (!isOrderNew) return;
-    m_stack = std::move(stackOfShown);
+    if (isOrderNew) m_stack = std::move(stackOfShown);
     updateCloseDownMode();
 }
 
@@ -212,15 +213,12 @@ QList<QRect> X11OverlaySurfaces::map(const std::vector<X11OverlaySurface*>& show
     return mapped;
 }
 
-bool X11OverlaySurfaces::unmapHidden() {
-    bool isAnyHidden = false;
+void X11OverlaySurfaces::unmapHidden() {
     for (X11OverlaySurface* surface : m_surfaces) {
         if (surface->isShown() || !surface->window().isMapped()) continue;
         surface->window().unmap();
         noteBackdropChange(surface->window().rect());
-        isAnyHidden = true;
     }
-    return isAnyHidden;
 }
 
 void X11OverlaySurfaces::tellPlaces() {
@@ -324,7 +322,9 @@ void X11OverlaySurfaces::windowWasHidden(xcb_window_t window) {
 
 void X11OverlaySurfaces::replaceLostWindow(xcb_window_t window) {
     X11OverlaySurface& surface = *surfaceOf(window);
-    surface.replaceWindow(makeWindow(surface.description()));
+    m_input.endGestureOf(surface);
+    std::erase(m_stack, window);
+    m_retired.add(surface.replaceWindow(makeWindow(surface.description())), nullptr);
     m_surfaceOfWindow.clear();
 }
 

@@ -89,7 +89,6 @@ private:
     xcb_cursor_t cursor(CursorShape shape) { return m_cursors.cursor(shape); }
     QImage::Format imageFormat() const;
     const OverlayVisual& visual() const { return isCompositing() ? m_alphaVisual : m_plainVisual; }
-    bool isCompositing() const { return m_managers.isCompositing(); }
     /// Whether a surface shows what lies below by itself, and not by a compositor.
     bool composesPicture(bool isFrosted) const;
     std::unique_ptr<ComposedPicture> makePicture(NativeOverlayWindow& window) {
@@ -110,7 +109,7 @@ private:
                std::optional<xcb_window_t> ceiling);
     QList<QRect> map(const std::vector<X11OverlaySurface*>& shown, std::size_t first);
     void mapAnew(const std::vector<X11OverlaySurface*>& shown);
-    bool unmapHidden();
+    void unmapHidden();
     void updateCloseDownMode();
     void followScreens();
     void remakeWindows();
@@ -128,6 +127,7 @@ private:
 
     // TamperGuard::Client
     NativeOverlayWindow* guardedWindow(xcb_window_t window) override;
+    bool isCompositing() const override { return m_managers.isCompositing(); }
     void windowWasHidden(xcb_window_t window) override;
     void replaceLostWindow(xcb_window_t window) override;
     void showMendedWindows() override;
