@@ -227,7 +227,7 @@ namespace {
 /// A plain colour, on a blur of what lies below or not.
 class PlainContent final : public SurfaceContent {
 public:
-    PlainContent(QColor color, double blur) : m_color(std::move(color)), m_blur(blur) {}
+    PlainContent(const QColor& color, double blur) : m_color(color), m_blur(blur) {}
     void paint(QPainter& painter, Size size) const override {
         painter.fillRect(QRectF(0, 0, size.width, size.height), m_color);
     }

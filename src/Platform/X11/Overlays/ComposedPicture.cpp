@@ -143,7 +143,7 @@ QRegion ComposedPicture::spread(const QRegion& area) const {
 }
 
 void ComposedPicture::capture(const QRegion& area, const DrawGround& ground,
-                              std::function<void()> done) {
+                              const std::function<void()>& done) {
     XcbConnection& connection = m_kit.connection();
     const auto awaited = std::make_shared<int>(area.rectCount());
     for (const QRect& rect : area) {

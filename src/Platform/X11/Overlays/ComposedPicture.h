@@ -56,7 +56,7 @@ public:
     bool needsCapture() const { return !m_look.glass.isNull(); }
 
     /// Reads what lies below for the blur and calls back when that is here; `compose` shows it.
-    void capture(const QRegion& area, const DrawGround& ground, std::function<void()> done);
+    void capture(const QRegion& area, const DrawGround& ground, const std::function<void()>& done);
     /// Blurs what has been read as far as it reaches into the area. To be called before `compose`.
     void blur(const QRegion& area);
     /// Brings the picture up to date there.

@@ -26,9 +26,7 @@ public:
 
         bool isVisible() const { return isMapped && visual != XCB_NONE; }
 
-    private:
-        friend class TopLevelWindows;
-        // What an event told is at least as new as the answer to an earlier question.
+        /// Told by an event, which is at least as new as the answer to an earlier question.
         bool isPlaceTold = false;
         bool isMappingTold = false;
     };
