@@ -30,7 +30,10 @@ protected:
             {"unmapped", [&] { neighbour.unmap(window()); }},
             {"destroyed", [&] { neighbour.destroy(window()); }},
             {"destroyed again", [&] { neighbour.destroy(window()); }},
-            {"moved", [&] { neighbour.move(window(), {150, 150, 300, 160}); }},
+            {"moved",
+             [&] {
+                 neighbour.move(window(), {150, 150, 300, 160});
+             }},
         };
         for (const auto& [name, attack] : steps) {
             SCOPED_TRACE(name);
