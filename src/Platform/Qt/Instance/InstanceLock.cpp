@@ -98,7 +98,7 @@ std::optional<qint64> pidIn(const QString& path) {
 }  // namespace
 
 QString InstanceLock::runtimeDirectory() {
-    const QString wanted = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    QString wanted = qEnvironmentVariable("XDG_RUNTIME_DIR");
     if (QDir::isAbsolutePath(wanted) && isOwnFolder(wanted)) return wanted;
     QString fallback = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
     return isOwnFolder(fallback) ? fallback : QString();

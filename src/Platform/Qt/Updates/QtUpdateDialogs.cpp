@@ -37,7 +37,7 @@ QString boundedNotes(const QString& notes) {
 
 QString plainNotes(const QString& all) {
     if (all.isEmpty()) return u"There are no notes for this release."_s;
-    const QString notes = boundedNotes(all);
+    QString notes = boundedNotes(all);
     if (!Qt::mightBeRichText(notes)) return notes;
     InertDocument document;
     document.setHtml(notes);

@@ -38,6 +38,7 @@ void killLeftoverWindows(XcbConnection& connection, SystemLog& log) {
     const uint32_t clientBits = ~setup->resource_id_mask;
     const std::vector<xcb_window_t> children = connection.children(connection.root());
     std::vector<xcb_get_property_cookie_t> cookies;
+    cookies.reserve(children.size());
     for (const xcb_window_t child : children)
         cookies.push_back(xcb_get_property(connection, 0, child, connection.atoms().veylaMaskID,
                                            XCB_GET_PROPERTY_TYPE_ANY, 0, 0));
